@@ -1,0 +1,43 @@
+#!/usr/bin/env python3
+"""Measures the program: bench.py [NAME] [--rounds N] [--peer]. Prints Markdown; what it is doing goes to stderr."""
+
+import argparse
+import os
+import pathlib
+import sys
+
+sys.dont_write_bytecode = True
+
+import cleanup
+import measuring
+
+BENCHES = {"cleanup": cleanup.run}
+
+TOP = pathlib.Path(__file__).resolve().parent.parent
+
+
+def bench_folder():
+    """Where trees are kept between runs. They are some gigabytes, and may be deleted at any time."""
+    cache = os.environ.get("XDG_CACHE_HOME") or pathlib.Path.home() / ".cache"
+    return pathlib.Path(os.environ.get("LUMENARY_BENCH_DIR") or pathlib.Path(cache) / "lumenary-bench").resolve()
+
+
+def main():
+    options = argparse.ArgumentParser(description="Measures the program and prints Markdown.")
+    options.add_argument("name", nargs="?", help=f"what to measure: {', '.join(BENCHES)}; everything unless told")
+    options.add_argument("--rounds", type=int, default=9, help="how often each command is run (9 unless told)")
+    options.add_argument("--peer", action="store_true", help="install another program with npm and measure it too")
+    options.add_argument("--build", type=pathlib.Path, default=TOP / "build/release", help="a folder of a release build")
+    wanted = options.parse_args()
+    if wanted.name and wanted.name not in BENCHES:
+        sys.exit(f"There is no bench {wanted.name}. There are: {', '.join(BENCHES)}")
+
+    programs = measuring.Programs(wanted.build.resolve(), bench_folder())
+    print(measuring.machine(programs))
+    for name, bench in BENCHES.items():
+        if wanted.name in (None, name):
+            bench(programs, wanted.rounds, wanted.peer)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,166 @@
+#include "base/JsonWriter.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <utility>
+
+#include "base/Hex.h"
+
+namespace lumenary {
+namespace {
+
+template <class Number>
+void appendNumber(std::string& out, Number value) {
+  std::array<char, 32> digits{};
+  const auto [end, error] = std::to_chars(digits.begin(), digits.end(), value);
+  out.append(digits.begin(), end);
+}
+
+void appendLineBreak(std::string& out, std::size_t level) { out.append("\n").append(2 * level, ' '); }
+
+void appendEscaped(std::string& out, char character) {
+  switch (character) {
+    case '"':
+      out += "\\\"";
+      return;
+    case '\\':
+      out += "\\\\";
+      return;
+    case '\b':
+      out += "\\b";
+      return;
+    case '\f':
+      out += "\\f";
+      return;
+    case '\n':
+      out += "\\n";
+      return;
+    case '\r':
+      out += "\\r";
+      return;
+    case '\t':
+      out += "\\t";
+      return;
+    default:
+      break;
+  }
+  if (static_cast<unsigned char>(character) < 0x20) {
+    out += "\\u00";
+    appendHex(out, static_cast<std::uint8_t>(character));
+  } else {
+    out += character;
+  }
+}
+
+void appendString(std::string& out, std::string_view text) {
+  out += '"';
+  for (const char character : text) {
+    appendEscaped(out, character);
+  }
+  out += '"';
+}
+
+}  // namespace
+
+JsonWriter::JsonWriter(Layout layout) : layout_(layout) {}
+
+JsonWriter& JsonWriter::beginObject() {
+  open('{');
+  return *this;
+}
+
+JsonWriter& JsonWriter::endObject() {
+  close('}');
+  return *this;
+}
+
+JsonWriter& JsonWriter::beginArray() {
+  open('[');
+  return *this;
+}
+
+JsonWriter& JsonWriter::endArray() {
+  close(']');
+  return *this;
+}
+
+JsonWriter& JsonWriter::key(std::string_view name) {
+  beforeValue();
+  appendString(out_, name);
+  out_ += layout_ == Layout::pretty ? ": " : ":";
+  afterKey_ = true;
+  return *this;
+}
+
+JsonWriter& JsonWriter::string(std::string_view text) {
+  beforeValue();
+  appendString(out_, text);
+  return *this;
+}
+
+JsonWriter& JsonWriter::integer(std::int64_t value) {
+  beforeValue();
+  appendNumber(out_, value);
+  return *this;
+}
+
+JsonWriter& JsonWriter::unsignedInteger(std::uint64_t value) {
+  beforeValue();
+  appendNumber(out_, value);
+  return *this;
+}
+
+JsonWriter& JsonWriter::number(double value) {
+  if (!std::isfinite(value)) {
+    return null();
+  }
+  beforeValue();
+  appendNumber(out_, value);
+  return *this;
+}
+
+JsonWriter& JsonWriter::boolean(bool value) {
+  beforeValue();
+  out_ += value ? "true" : "false";
+  return *this;
+}
+
+JsonWriter& JsonWriter::null() {
+  beforeValue();
+  out_ += "null";
+  return *this;
+}
+
+std::string JsonWriter::take() { return std::move(out_); }
+
+void JsonWriter::beforeValue() {
+  const bool standsInLine = std::exchange(afterKey_, false) || levelHasContent_.empty();
+  if (standsInLine) {
+    return;
+  }
+  if (levelHasContent_.back()) {
+    out_ += ',';
+  }
+  levelHasContent_.back() = true;
+  if (layout_ == Layout::pretty) {
+    appendLineBreak(out_, levelHasContent_.size());
+  }
+}
+
+void JsonWriter::open(char bracket) {
+  beforeValue();
+  out_ += bracket;
+  levelHasContent_.push_back(false);
+}
+
+void JsonWriter::close(char bracket) {
+  const bool hadContent = levelHasContent_.back();
+  levelHasContent_.pop_back();
+  if (hadContent && layout_ == Layout::pretty) {
+    appendLineBreak(out_, levelHasContent_.size());
+  }
+  out_ += bracket;
+}
+
+}  // namespace lumenary

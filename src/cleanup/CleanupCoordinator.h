@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstdint>
+#include <expected>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "cleanup/CleanupCandidate.h"
+#include "cleanup/CleanupJournal.h"
+#include "cleanup/CleanupSafetyError.h"
+#include "platform/FileReader.h"
+#include "platform/Places.h"
+#include "platform/Trash.h"
+
+namespace lumenary {
+
+/// The last gate in front of the Trash for build output: each candidate is checked against the disk right before it
+/// moves, one after the other. Blocks.
+class CleanupCoordinator {
+ public:
+  CleanupCoordinator(const FileReader& reader, Trash& trash, const Places& places)
+      : reader_(reader), trash_(trash), home_(places.home), userID_(places.userID) {}
+
+  /// A candidate that passed, held through its opened parent: the move acts on this and on nothing else.
+  struct Validated {
+    OpenedItem item;
+    std::int64_t allocatedBytes = 0;
+  };
+
+  /// Whether the candidate may go. The order of the checks decides which sentence a person reads; the one that costs a
+  /// walk stands last.
+  std::expected<Validated, CleanupRefusal> validate(const CleanupCandidate& candidate) const;
+
+  /// Checks one candidate and moves it.
+  std::expected<TrashedItem, CleanupRefusal> moveToTrash(const CleanupCandidate& candidate,
+                                                         IntentRecorder& recorder) const;
+
+  /// Exactly one outcome a candidate, in their order; a refusal stops nothing. The journal's lines carry the outcomes'
+  /// ids as item ids and `transactionID`: a record made of the outcomes must use the same.
+  std::vector<CleanupOutcome> moveToTrash(std::span<const CleanupCandidate> candidates, const UUID& transactionID,
+                                          CleanupJournal& journal) const;
+
+  /// The candidates that are still folders, with fresh sizes and identities.
+  std::vector<CleanupCandidate> remeasure(std::span<const CleanupCandidate> candidates) const;
+
+ private:
+  std::expected<OpenedItem, CleanupRefusal> openFolder(const std::string& path) const;
+  bool isFolder(const std::string& path) const;
+
+  const FileReader& reader_;
+  Trash& trash_;
+  std::string home_;
+  std::uint32_t userID_;
+};
+
+/// "developer." and the last path component: the rule under which build output is recorded.
+std::string developerRuleID(const FileURL& url);
+
+}  // namespace lumenary

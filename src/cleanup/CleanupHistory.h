@@ -1,0 +1,43 @@
+#pragma once
+
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "base/UUID.h"
+#include "platform/DurableFiles.h"
+#include "platform/Trash.h"
+#include "storage/ScanStore.h"
+
+namespace lumenary {
+
+/// The acts on record, and the way back. Blocks; one thread at a time.
+class CleanupHistory {
+ public:
+  CleanupHistory(DurableFiles& files, ScanStore& store, Trash& trash) : files_(files), store_(store), trash_(trash) {}
+
+  /// Reads the log again.
+  void load();
+
+  const std::vector<CleanupTransaction>& cleanupTransactions() const { return transactions_; }
+
+  /// Puts one item back where it stood. No value on success, otherwise the sentence for the person; then nothing has
+  /// changed.
+  std::optional<std::string> restoreCleanupItem(const UUID& transactionID, const UUID& itemID);
+
+  /// Puts back all items of a transaction that are in the Trash. No value where all came back or there were none.
+  std::optional<std::string> undoTrash(const UUID& transactionID);
+
+ private:
+  const CleanupTransaction* find(const UUID& transactionID) const;
+  std::vector<std::string> putBack(const CleanupTransaction& asked);
+  bool recordRestored(const UUID& transactionID, const std::set<UUID>& itemIDs);
+
+  DurableFiles& files_;
+  ScanStore& store_;
+  Trash& trash_;
+  std::vector<CleanupTransaction> transactions_;
+};
+
+}  // namespace lumenary

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <cstdint>
+#include <expected>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "base/JsonReader.h"
+#include "base/UUID.h"
+#include "platform/DurableFiles.h"
+#include "platform/Trash.h"
+#include "storage/CleanupTransaction.h"
+
+/// What an act is about to do, on disk before it does it. One file an act, one line an intent, locked while the act
+/// runs. `finish` removes it once the transaction log tells the same. A journal that nobody locks was left by a crash;
+/// `recoverInterruptedActs` reads it.
+namespace lumenary {
+
+/// One line of a journal.
+struct JournalEntry {
+  enum class Act : std::uint8_t { move, restore };
+
+  Act act = Act::move;
+  UUID transactionID;
+  UUID itemID;
+  CleanupTransaction::Source source = CleanupTransaction::Source::buildCleanup;
+  std::string ruleID;
+  std::int64_t measuredBytes = 0;
+  TrashIntent intent;
+};
+
+/// A line of JSON with its line break: keys sorted, places as file URL text, dates as ISO 8601 text.
+std::string encodeJournalEntry(const JournalEntry& entry);
+
+/// The entries of a journal in their order. A line that isn't one of ours is passed over, and so is a last line that
+/// was cut by a crash: its act had not begun. `libraryMissing` alone is an error: then nothing is known of the text.
+std::expected<std::vector<JournalEntry>, JsonDocument::Error> decodeJournal(std::string_view text);
+
+/// Blocks; one thread at a time. A journal that goes without `finish` stays on the disk for recovery.
+class CleanupJournal {
+ public:
+  CleanupJournal(DurableFiles& files, std::string supportFolder);
+
+  /// Records the intents of one item; valid as long as the journal. The file is made at the first intent.
+  class Recorder final : public IntentRecorder {
+   public:
+    Recorder(CleanupJournal& journal, JournalEntry entry) : journal_(journal), entry_(std::move(entry)) {}
+    SystemResult<void> intend(const TrashIntent& intent) override;
+
+   private:
+    CleanupJournal& journal_;
+    JournalEntry entry_;
+  };
+
+  /// Something of the act needs to be put right by the next start: the file stays.
+  void keepForRecovery() { keep_ = true; }
+  /// The log holds what the act did: removes the file, unless it is kept.
+  void finish();
+
+  static constexpr std::string_view fileExtension = ".journal";
+  static std::string folder(const std::string& supportFolder);
+  /// Held while a journal is made and while left ones are recovered, so that a newborn one isn't taken for a left one.
+  static std::string lockPath(const std::string& supportFolder);
+
+ private:
+  SystemResult<void> open();
+
+  DurableFiles& files_;
+  std::string support_;
+  std::string path_;
+  std::unique_ptr<GrowingFile> file_;
+  bool keep_ = false;
+};
+
+}  // namespace lumenary

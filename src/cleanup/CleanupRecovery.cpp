@@ -1,0 +1,181 @@
+#include "cleanup/CleanupRecovery.h"
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "base/Path.h"
+#include "cleanup/CleanupJournal.h"
+
+namespace lumenary {
+namespace {
+
+using Item = CleanupTransaction::Item;
+using Outcome = Item::Outcome;
+
+constexpr std::size_t journalByteLimit = std::size_t{64} << 20;
+constexpr auto interruptedMessage = "The move was interrupted. The item is still in its place.";
+
+/// An intended act, and where it ended.
+struct SettledAct {
+  JournalEntry entry;
+  ActState state = ActState::unknown;
+};
+
+FileURL urlOf(const JournalEntry& entry, const std::string& path) {
+  return {.path = path, .isFolder = entry.intent.identity.kind == FileKind::folder};
+}
+
+void setState(Item& item, Outcome outcome, std::optional<FileURL> trashURL, std::string_view message) {
+  item.outcome = outcome;
+  item.trashURL = std::move(trashURL);
+  item.message = message;
+}
+
+/// The log with its items found by identity.
+class IndexedLog {
+ public:
+  explicit IndexedLog(std::vector<CleanupTransaction>& transactions) : transactions_(transactions) {
+    for (std::size_t position = 0; position < transactions.size(); ++position) {
+      transactionPositions_.emplace(transactions[position].id, position);
+      for (std::size_t item = 0; item < transactions[position].items.size(); ++item) {
+        itemPositions_.emplace(std::pair(transactions[position].id, transactions[position].items[item].id),
+                               std::pair(position, item));
+      }
+    }
+  }
+
+  Item* find(const JournalEntry& entry) {
+    const auto found = itemPositions_.find({entry.transactionID, entry.itemID});
+    return found == itemPositions_.end() ? nullptr : &transactions_[found->second.first].items[found->second.second];
+  }
+
+  /// Adds an item that is in no transaction yet, and its transaction where the log has none.
+  Item& add(const JournalEntry& entry) {
+    const auto [position, isNew] = transactionPositions_.emplace(entry.transactionID, transactions_.size());
+    if (isNew) {
+      transactions_.push_back(
+          {.id = entry.transactionID, .timestamp = entry.intent.date, .source = entry.source, .items = {}});
+    }
+    return transactions_[position->second].items.emplace_back(
+        Item{.id = entry.itemID,
+             .originalURL = urlOf(entry, entry.intent.originalPath),
+             .trashURL = {},
+             .measuredBytes = entry.measuredBytes,
+             .ruleID = entry.ruleID,
+             .message = {}});
+  }
+
+ private:
+  std::vector<CleanupTransaction>& transactions_;
+  std::map<UUID, std::size_t> transactionPositions_;
+  std::map<std::pair<UUID, UUID>, std::pair<std::size_t, std::size_t>> itemPositions_;
+};
+
+bool isRecordedIn(const Item& item, const std::string& trashPath) {
+  return item.outcome == Outcome::movedToTrash && item.trashURL && item.trashURL->path == trashPath;
+}
+
+void recordMove(const SettledAct& act, IndexedLog& log) {
+  const std::string& trashPath = act.entry.intent.trashPath;
+  Item* item = log.find(act.entry);
+  if (act.state == ActState::inTrash && (item == nullptr || item->outcome == Outcome::failed)) {
+    setState(item != nullptr ? *item : log.add(act.entry), Outcome::movedToTrash, urlOf(act.entry, trashPath),
+             "Moved to Trash");
+  } else if (act.state == ActState::atOrigin && (item == nullptr || isRecordedIn(*item, trashPath))) {
+    setState(item != nullptr ? *item : log.add(act.entry), Outcome::failed, std::nullopt, interruptedMessage);
+  }
+}
+
+void recordRestore(const SettledAct& act, IndexedLog& log) {
+  Item* item = log.find(act.entry);
+  if (act.state == ActState::atOrigin && item != nullptr && item->outcome == Outcome::movedToTrash) {
+    item->markRestored();
+  }
+}
+
+/// Where each act ended, in the order of the attempts. Of several lines of one act the last tells of the attempt that
+/// counts; the earlier ones are settled as well, as each may have left an info file.
+std::vector<SettledAct> settleAll(std::vector<JournalEntry> entries, Trash& trash, bool& hasUnknown) {
+  std::vector<SettledAct> acts;
+  std::map<std::tuple<UUID, UUID, JournalEntry::Act>, std::size_t> positions;
+  for (JournalEntry& entry : entries) {
+    const ActState state = trash.settle(entry.intent);
+    hasUnknown = hasUnknown || state == ActState::unknown;
+    const auto [position, isNew] =
+        positions.emplace(std::tuple(entry.transactionID, entry.itemID, entry.act), acts.size());
+    if (isNew) {
+      acts.emplace_back();
+    }
+    acts[position->second] = {.entry = std::move(entry), .state = state};
+  }
+  return acts;
+}
+
+/// True once the log tells where the acts ended.
+bool record(const std::vector<SettledAct>& acts, ScanStore& store) {
+  const auto hasEnded = [](const SettledAct& act) {
+    return act.state == ActState::inTrash || act.state == ActState::atOrigin;
+  };
+  if (std::ranges::none_of(acts, hasEnded)) {
+    return true;
+  }
+  const auto change = [&](std::vector<CleanupTransaction>& transactions) {
+    IndexedLog log(transactions);
+    for (const SettledAct& act : acts) {
+      if (act.entry.act == JournalEntry::Act::move) {
+        recordMove(act, log);
+      } else {
+        recordRestore(act, log);
+      }
+    }
+  };
+  return store.updateCleanupTransactions(change).isSaved;
+}
+
+void recoverJournal(const std::string& path, DurableFiles& files, ScanStore& store, Trash& trash) {
+  const auto text = files.read(path, journalByteLimit);
+  if (!text) {
+    return;
+  }
+  auto entries = decodeJournal(*text);
+  if (!entries) {
+    return;
+  }
+  bool hasUnknown = false;
+  const std::vector<SettledAct> acts = settleAll(*std::move(entries), trash, hasUnknown);
+  if (record(acts, store) && !hasUnknown) {
+    static_cast<void>(files.remove(path));
+  }
+}
+
+}  // namespace
+
+void recoverInterruptedActs(DurableFiles& files, ScanStore& store, Trash& trash) {
+  const std::string folder = CleanupJournal::folder(store.support());
+  auto names = files.names(folder);
+  if (!names) {
+    return;
+  }
+  std::erase_if(*names, [](const std::string& name) { return !name.ends_with(CleanupJournal::fileExtension); });
+  if (names->empty()) {
+    return;
+  }
+  const auto lock = files.lock(CleanupJournal::lockPath(store.support()));
+  if (!lock) {
+    return;
+  }
+  for (const std::string& name : *names) {
+    const std::string path = appendingPathComponent(folder, name);
+    if (!files.isGrowing(path)) {
+      recoverJournal(path, files, store, trash);
+    }
+  }
+}
+
+}  // namespace lumenary

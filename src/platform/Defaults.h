@@ -1,0 +1,16 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace lumenary {
+
+/// The person's settings, one small JSON object in a file that both faces read.
+class Defaults {
+ public:
+  virtual ~Defaults() = default;
+  /// No value for an absent key, one of another type, or a file that is missing or damaged.
+  virtual std::optional<std::string> string(const std::string& key) const = 0;
+};
+
+}  // namespace lumenary

@@ -1,0 +1,98 @@
+#include "platform/GuardList.h"
+
+#include <algorithm>
+#include <array>
+
+#include "base/Path.h"
+
+namespace lumenary {
+namespace {
+
+constexpr std::array systemPlaces = {"/",     "/dev",       "/home",    "/media", "/mnt",    "/opt",
+                                     "/proc", "/root",      "/run",     "/sys",   "/srv",    "/tmp",
+                                     "/usr",  "/usr/local", "/usr/src", "/var",   "/var/tmp"};
+constexpr std::array systemTrees = {
+    "/bin",         "/boot",     "/etc",         "/lib",       "/lib32",     "/lib64",   "/libx32",    "/proc",
+    "/sbin",        "/sys",      "/nix",         "/snap",      "/usr/bin",   "/usr/lib", "/usr/lib32", "/usr/lib64",
+    "/usr/libexec", "/usr/sbin", "/usr/include", "/usr/share", "/var/cache", "/var/lib", "/var/log",   "/var/spool"};
+
+/// Keys, passwords and keyrings, by their place in the home folder.
+constexpr std::array secrets = {".ssh", ".gnupg", ".pki", ".password-store", ".aws", ".kube"};
+constexpr std::array secretsInData = {"keyrings", "kwalletd", "pki"};
+
+bool isInsideAny(std::string_view path, const std::vector<std::string>& trees) {
+  return std::ranges::any_of(trees, [&](const std::string& tree) { return isSameOrInside(path, tree); });
+}
+
+}  // namespace
+
+GuardList::GuardList(const FileReader& reader, const std::vector<Mount>& mounts, const Places& places) {
+  if (places.home.empty() || places.dataHome.empty() || places.support.empty() || mounts.empty()) {
+    return;
+  }
+  for (const char* path : systemPlaces) {
+    guardPlace(reader, path);
+  }
+  for (const char* path : systemTrees) {
+    guardTree(reader, path);
+  }
+  for (const std::string& path :
+       {places.home, places.dataHome, places.configHome, places.cacheHome, places.stateHome,
+        appendingPathComponent(places.home, ".config"), appendingPathComponent(places.home, ".local")}) {
+    guardPlace(reader, path);
+  }
+  for (const char* name : secrets) {
+    guardTree(reader, appendingPathComponent(places.home, name));
+  }
+  for (const char* name : secretsInData) {
+    guardTree(reader, appendingPathComponent(places.dataHome, name));
+  }
+  guardTree(reader, places.support);
+  guardTree(reader, std::string(parentPath(places.defaultsFile)));
+  guardTree(reader, appendingPathComponent(places.dataHome, "Trash"));
+  for (const Mount& mount : mounts) {
+    volumeTrashes_.push_back(appendingPathComponent(mount.point, ".Trash"));
+    volumeTrashes_.push_back(appendingPathComponent(mount.point, ".Trash-" + std::to_string(places.userID)));
+  }
+  mounts_ = mounts;
+  isComplete_ = true;
+}
+
+void GuardList::guardPlace(const FileReader& reader, const std::string& path) {
+  places_.push_back(standardise(path));
+  if (auto attributes = reader.attributes(path, LinkPolicy::follow)) {
+    identities_.push_back(attributes->identity);
+    if (auto real = reader.realPath(path); real && *real != places_.back()) {
+      places_.push_back(*std::move(real));
+    }
+  }
+}
+
+void GuardList::guardTree(const FileReader& reader, const std::string& path) {
+  trees_.push_back(standardise(path));
+  if (auto attributes = reader.attributes(path, LinkPolicy::follow)) {
+    identities_.push_back(attributes->identity);
+    // "/bin" may lead to "/usr/bin", a secret to another disk: what is guarded is where it leads.
+    if (auto real = reader.realPath(path); real && *real != trees_.back()) {
+      trees_.push_back(*std::move(real));
+    }
+  }
+}
+
+bool GuardList::isInsideGuarded(std::string_view path) const {
+  const Mount* mount = mountHolding(mounts_, path);
+  return mount == nullptr || mount->kind == MountKind::kernel || isInsideAny(path, trees_) ||
+         isInsideAny(path, volumeTrashes_);
+}
+
+bool GuardList::keeps(std::string_view path, const FileIdentity& identity) const {
+  const auto standsInside = [&](const std::string& guarded) { return isSameOrInside(guarded, path); };
+  return !isComplete_ || isInsideGuarded(path) || std::ranges::any_of(places_, standsInside) ||
+         std::ranges::any_of(trees_, standsInside) || std::ranges::find(identities_, identity) != identities_.end();
+}
+
+bool GuardList::keepsOut(std::string_view path) const {
+  return !isComplete_ || isInsideGuarded(path) || std::ranges::find(places_, path) != places_.end();
+}
+
+}  // namespace lumenary

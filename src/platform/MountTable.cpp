@@ -1,0 +1,33 @@
+#include "platform/MountTable.h"
+
+#include "base/Path.h"
+
+namespace lumenary {
+
+const Mount* mountHolding(const std::vector<Mount>& mounts, std::string_view path) {
+  const Mount* holding = nullptr;
+  for (const Mount& mount : mounts) {
+    if (!isSameOrInside(path, mount.point)) {
+      continue;
+    }
+    if (holding == nullptr || mount.point.size() > holding->point.size()) {
+      holding = &mount;
+    }
+  }
+  return holding;
+}
+
+std::vector<std::string> mountPointsNotToEnter(const std::vector<Mount>& mounts, std::string_view root) {
+  std::vector<std::string> points;
+  for (const Mount& mount : mounts) {
+    if (mount.kind == MountKind::local || mount.point == root) {
+      continue;
+    }
+    if (isSameOrInside(mount.point, root)) {
+      points.push_back(mount.point);
+    }
+  }
+  return points;
+}
+
+}  // namespace lumenary

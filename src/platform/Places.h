@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace lumenary {
+
+/// Where this person's things are. A variable that is unset, empty or relative means its default.
+struct Places {
+  std::string home;          ///< empty where it can't be told; nothing may be moved then
+  std::string dataHome;      ///< $XDG_DATA_HOME, ~/.local/share
+  std::string configHome;    ///< $XDG_CONFIG_HOME, ~/.config
+  std::string cacheHome;     ///< $XDG_CACHE_HOME, ~/.cache
+  std::string stateHome;     ///< $XDG_STATE_HOME, ~/.local/state
+  std::string support;       ///< the program's own files: dataHome/Lumenary
+  std::string defaultsFile;  ///< the settings both faces read: configHome/Lumenary/defaults.json
+  std::uint32_t userID = 0;
+
+  bool operator==(const Places&) const = default;
+};
+
+}  // namespace lumenary

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "platform/Defaults.h"
+#include "platform/DurableFiles.h"
+#include "platform/FileReader.h"
+#include "platform/Interruption.h"
+#include "platform/MountTable.h"
+#include "platform/Places.h"
+#include "platform/Terminal.h"
+#include "platform/Trash.h"
+
+namespace lumenary {
+
+/// Everything the operating system gives the command, made once at the entry and passed down.
+struct Platform {
+  Places places;
+  std::unique_ptr<FileReader> reader;
+  std::unique_ptr<MountTable> mountTable;
+  std::unique_ptr<DurableFiles> files;
+  std::unique_ptr<Trash> trash;
+  std::unique_ptr<Defaults> defaults;
+  std::unique_ptr<Terminal> terminal;
+  std::unique_ptr<Interruption> interruption;
+  std::function<Date()> now;
+};
+
+/// The platform of this build, for the person who runs the process.
+Platform makePlatform();
+
+}  // namespace lumenary

@@ -1,0 +1,13 @@
+#include "platform/Descriptor.h"
+
+#include <unistd.h>
+
+namespace lumenary {
+
+Descriptor::~Descriptor() {
+  if (number_ >= 0) {
+    ::close(number_);
+  }
+}
+
+}  // namespace lumenary

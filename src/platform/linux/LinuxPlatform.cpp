@@ -1,0 +1,51 @@
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdlib>
+
+#include "platform/Platform.h"
+#include "platform/linux/LinuxDefaults.h"
+#include "platform/linux/LinuxDurableFiles.h"
+#include "platform/linux/LinuxFileReader.h"
+#include "platform/linux/LinuxInterruption.h"
+#include "platform/linux/LinuxKernel.h"
+#include "platform/linux/LinuxMountTable.h"
+#include "platform/linux/LinuxPlaces.h"
+#include "platform/linux/LinuxTerminal.h"
+#include "platform/linux/LinuxTrash.h"
+
+namespace lumenary {
+namespace {
+
+/// Where a standard descriptor is closed, the next file opened would take its number, and what is printed would end in
+/// it.
+void holdStandardDescriptors() {
+  for (int number = STDIN_FILENO; number <= STDERR_FILENO; ++number) {
+    if (::fcntl(number, F_GETFD) < 0) {
+      ::open("/dev/null", O_RDONLY);
+    }
+  }
+}
+
+}  // namespace
+
+Platform makePlatform() {
+  // The platform is a value that moves; what others hold on to stays in its place, as long as the process lives.
+  static LinuxKernel kernel;
+  static const Places places = placesOf([](const char* name) { return std::getenv(name); });
+
+  holdStandardDescriptors();
+  Platform platform;
+  platform.interruption = std::make_unique<LinuxInterruption>();
+  platform.places = places;
+  platform.reader = std::make_unique<LinuxFileReader>();
+  platform.mountTable = std::make_unique<LinuxMountTable>();
+  platform.files = std::make_unique<LinuxDurableFiles>(kernel);
+  platform.trash = std::make_unique<LinuxTrash>(kernel, *platform.reader, *platform.mountTable, places);
+  platform.defaults = std::make_unique<LinuxDefaults>(*platform.files, places.defaultsFile);
+  platform.terminal = std::make_unique<LinuxTerminal>();
+  platform.now = [] { return std::chrono::floor<Date::duration>(std::chrono::system_clock::now()); };
+  return platform;
+}
+
+}  // namespace lumenary

@@ -1,0 +1,372 @@
+#include "platform/linux/LinuxTrash.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+
+#include "base/Path.h"
+#include "platform/linux/TrashInfo.h"
+#include "platform/linux/TrashName.h"
+
+namespace lumenary {
+namespace {
+
+constexpr std::string_view infoSuffix = ".trashinfo";
+constexpr std::size_t longestName = 255;
+constexpr std::size_t shortestLimit = 32;
+constexpr std::size_t infoFileLimit = 64 * 1024;
+
+/// An info file of an act that died is as old as its intent; a younger one belongs to somebody else.
+constexpr std::int64_t settleWindowSeconds = 60;
+
+std::string infoName(std::string_view name) { return std::string(name).append(infoSuffix); }
+
+TrashError refuse(TrashRefusal refusal, SystemError cause = {}, bool isSettled = true) {
+  return {.refusal = refusal, .cause = cause, .isSettled = isSettled};
+}
+
+TrashRefusal refusalOf(const SystemError& cause) {
+  switch (cause.code) {
+    case EACCES:
+    case EPERM:
+      return TrashRefusal::folderClosed;
+    case EROFS:
+      return TrashRefusal::readOnlyVolume;
+    case EXDEV:
+      return TrashRefusal::otherVolume;
+    case EBUSY:
+      return TrashRefusal::mountInside;
+    case ENOSPC:
+    case EDQUOT:
+      return TrashRefusal::noSpace;
+    default:
+      return TrashRefusal::failed;
+  }
+}
+
+TrashRefusal refusalOf(const MoveReport& report) {
+  switch (report.result) {
+    case MoveResult::missing:
+      return TrashRefusal::missing;
+    case MoveResult::changed:
+      return TrashRefusal::changed;
+    case MoveResult::occupied:
+      return TrashRefusal::occupied;
+    case MoveResult::notExclusive:
+      return TrashRefusal::noExclusiveMove;
+    case MoveResult::moved:
+    case MoveResult::failed:
+      return refusalOf(report.cause);
+  }
+  return TrashRefusal::failed;
+}
+
+TrashRefusal recordRefusal(const SystemError& cause) {
+  return cause.isNoSpace() ? TrashRefusal::noSpace : TrashRefusal::recordUnwritable;
+}
+
+/// Device numbers may change with a restart of the machine, inode numbers don't.
+bool isSameThing(const FileIdentity& a, const FileIdentity& b) { return a.inode == b.inode && a.kind == b.kind; }
+
+Date now() { return std::chrono::floor<Date::duration>(std::chrono::system_clock::now()); }
+
+}  // namespace
+
+/// What an info file says. `info` has no value where the file is missing or damaged.
+struct LinuxTrash::RecordedInfo {
+  bool exists = false;
+  std::optional<TrashInfo> info{};
+  std::int64_t modifiedSeconds = 0;
+};
+
+/// How one attempt under one name ended.
+struct LinuxTrash::Attempt {
+  enum class Result { moved, nameTaken, nameTooLong, refused } result = Result::refused;
+  TrashError error{};
+  bool isSettled = true;
+};
+
+// The move
+
+std::expected<TrashedItem, TrashError> LinuxTrash::move(const OpenedItem& item, std::int64_t allocatedBytes,
+                                                        IntentRecorder& recorder) {
+  const auto mounts = mountTable_.mounts();
+  if (!mounts || GuardList(reader_, *mounts, places_).keeps(item.path, item.identity)) {
+    return std::unexpected(refuse(TrashRefusal::guarded));
+  }
+  const auto isInside = [&](const Mount& mount) { return isSameOrInside(mount.point, item.path); };
+  if (std::ranges::any_of(*mounts, isInside)) {
+    return std::unexpected(refuse(TrashRefusal::mountInside));
+  }
+  if (auto allowed = checkPermission(item); !allowed) {
+    return std::unexpected(allowed.error());
+  }
+  const auto trash = folders_.openFor(item, *mounts);
+  if (!trash) {
+    return std::unexpected(trash.error());
+  }
+  return moveInto(*trash, item, allocatedBytes, recorder);
+}
+
+/// Refuses what could be moved but not emptied from the Trash, before anything is written.
+std::expected<void, TrashError> LinuxTrash::checkPermission(const OpenedItem& item) {
+  const auto parent = statusOf(kernel_, item.parent);
+  if (!parent) {
+    return std::unexpected(refuse(TrashRefusal::failed, parent.error()));
+  }
+  const auto status = statusAt(kernel_, item.parent, item.name.c_str());
+  if (!status) {
+    return std::unexpected(status.error().isMissing() ? refuse(TrashRefusal::missing)
+                                                      : refuse(TrashRefusal::failed, status.error()));
+  }
+  if (status->identity != item.identity) {
+    return std::unexpected(refuse(TrashRefusal::changed));
+  }
+  if (status->isUnchangeable) {
+    return std::unexpected(refuse(TrashRefusal::unchangeable));
+  }
+  const bool isForeign = places_.userID != 0 && status->owner != places_.userID;
+  if (isForeign && status->identity.kind == FileKind::folder) {
+    return std::unexpected(refuse(TrashRefusal::foreignInside));
+  }
+  const bool isSticky = (parent->mode & S_ISVTX) != 0 && parent->owner != places_.userID;
+  if (parent->isUnchangeable || (isForeign && isSticky)) {
+    return std::unexpected(refuse(TrashRefusal::folderClosed));
+  }
+  if (kernel_.faccessat(item.parent.number(), ".", W_OK | X_OK, AT_EACCESS) != 0) {
+    return std::unexpected(refuse(refusalOf(lastError()), lastError()));
+  }
+  return {};
+}
+
+std::expected<TrashedItem, TrashError> LinuxTrash::moveInto(const TrashFolder& trash, const OpenedItem& item,
+                                                            std::int64_t allocatedBytes, IntentRecorder& recorder) {
+  std::size_t limit = longestName - infoSuffix.size();
+  for (unsigned number = 0; number < trashNameAttempts;) {
+    const std::string name = trashName(item.name, number, limit);
+    const Attempt attempt = this->attempt(trash, item, name, recorder);
+    switch (attempt.result) {
+      case Attempt::Result::moved:
+        if (item.identity.kind == FileKind::folder) {
+          noteSize(trash, name, allocatedBytes);
+        }
+        return TrashedItem{.trashPath = trash.pathOfItem(name), .isSettled = attempt.isSettled};
+      case Attempt::Result::refused:
+        return std::unexpected(attempt.error);
+      case Attempt::Result::nameTaken:
+        ++number;
+        break;
+      case Attempt::Result::nameTooLong:
+        // Some file systems hold fewer bytes a name than most.
+        limit = limit * 3 / 4;
+        if (limit < shortestLimit) {
+          return std::unexpected(refuse(TrashRefusal::noFreeName));
+        }
+        break;
+    }
+  }
+  return std::unexpected(refuse(TrashRefusal::noFreeName));
+}
+
+LinuxTrash::Attempt LinuxTrash::attempt(const TrashFolder& trash, const OpenedItem& item, const std::string& name,
+                                        IntentRecorder& recorder) {
+  using Result = Attempt::Result;
+  if (isTaken(trash, name)) {
+    return {.result = Result::nameTaken};
+  }
+  const TrashIntent intent{
+      .originalPath = item.path, .trashPath = trash.pathOfItem(name), .identity = item.identity, .date = now()};
+  if (auto recorded = recorder.intend(intent); !recorded) {
+    return {.error = refuse(recordRefusal(recorded.error()), recorded.error())};
+  }
+  if (auto written = writeInfo(trash, name, item.path, intent.date); !written) {
+    const SystemError cause = written.error();
+    if (cause.code == EEXIST) {
+      return {.result = Result::nameTaken};
+    }
+    if (cause.code == ENAMETOOLONG) {
+      return {.result = Result::nameTooLong};
+    }
+    return {.error = refuse(recordRefusal(cause), cause, removeInfo(trash, name))};
+  }
+  const MoveReport report = moveExclusively(kernel_, {item.parent, item.name}, {trash.files, name}, item.identity);
+  if (report.result == MoveResult::moved) {
+    const bool isSynced = sync(kernel_, trash.files) && sync(kernel_, item.parent);
+    return {.result = Result::moved, .isSettled = isSynced && report.isSettled};
+  }
+  const bool isSettled = removeInfo(trash, name) && report.isSettled;
+  if (report.result == MoveResult::occupied && isSettled) {
+    return {.result = Result::nameTaken};
+  }
+  return {.error = refuse(refusalOf(report), report.cause, isSettled)};
+}
+
+bool LinuxTrash::isTaken(const TrashFolder& trash, const std::string& name) {
+  return statusAt(kernel_, trash.files, name.c_str()).has_value() ||
+         statusAt(kernel_, trash.info, infoName(name).c_str()).has_value();
+}
+
+/// EEXIST and ENAMETOOLONG mean that nothing was made; after any other error a part of the file may stand.
+SystemResult<void> LinuxTrash::writeInfo(const TrashFolder& trash, const std::string& name,
+                                         const std::string& originalPath, Date date) {
+  auto file = openAt(kernel_, trash.info, infoName(name).c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
+  if (!file) {
+    return std::unexpected(file.error());
+  }
+  auto written = writeAndSync(kernel_, *file, composeTrashInfo(trash.recordedPath(originalPath), date));
+  return written ? sync(kernel_, trash.info) : written;
+}
+
+/// True where no info file of that name is left.
+bool LinuxTrash::removeInfo(const TrashFolder& trash, const std::string& name) {
+  const auto removed = removeFile(kernel_, trash.info, infoName(name).c_str());
+  return removed || removed.error().isMissing();
+}
+
+// The way back
+
+std::expected<TrashedItem, TrashError> LinuxTrash::putBack(const std::string& trashPath,
+                                                           const std::string& originalPath, IntentRecorder& recorder) {
+  const auto mounts = mountTable_.mounts();
+  if (!mounts || !originalPath.starts_with('/') || standardise(originalPath) != originalPath ||
+      GuardList(reader_, *mounts, places_).keepsOut(originalPath)) {
+    return std::unexpected(refuse(TrashRefusal::guarded));
+  }
+  const std::string name(lastPathComponent(trashPath));
+  const auto trash = folders_.openHolding(trashPath, *mounts);
+  if (!trash) {
+    return std::unexpected(refuse(TrashRefusal::notInTrash, trash.error()));
+  }
+  const auto status = statusAt(kernel_, trash->files, name.c_str());
+  if (!status) {
+    return std::unexpected(refuse(TrashRefusal::notInTrash, status.error()));
+  }
+  // Another item may have got the name since. A lost info file is no reason to keep a person's folder from them.
+  const RecordedInfo recorded = readInfo(*trash, name);
+  if (recorded.info && originOf(*recorded.info, trash->top) != originalPath) {
+    return std::unexpected(refuse(TrashRefusal::notInTrash));
+  }
+  const auto parent = reader_.openFolder(parentPath(originalPath), LinkPolicy::refuse);
+  if (!parent) {
+    return std::unexpected(refuse(TrashRefusal::parentGone, parent.error()));
+  }
+  const std::string originalName(lastPathComponent(originalPath));
+  if (statusAt(kernel_, *parent, originalName.c_str())) {
+    return std::unexpected(refuse(TrashRefusal::occupied));
+  }
+  if (auto intended = recorder.intend(
+          {.originalPath = originalPath, .trashPath = trashPath, .identity = status->identity, .date = now()});
+      !intended) {
+    return std::unexpected(refuse(recordRefusal(intended.error()), intended.error()));
+  }
+  const MoveReport report = moveExclusively(kernel_, {trash->files, name}, {*parent, originalName}, status->identity);
+  if (report.result != MoveResult::moved) {
+    const bool isGone = report.result == MoveResult::missing || report.result == MoveResult::changed;
+    return std::unexpected(
+        refuse(isGone ? TrashRefusal::notInTrash : refusalOf(report), report.cause, report.isSettled));
+  }
+  const bool isSynced = sync(kernel_, *parent) && sync(kernel_, trash->files);
+  const bool isInfoGone = removeInfo(*trash, name);
+  if (status->identity.kind == FileKind::folder) {
+    sizeChanges_[trash->path][name] = std::nullopt;
+  }
+  return TrashedItem{.trashPath = trashPath, .isSettled = isSynced && isInfoGone && report.isSettled};
+}
+
+LinuxTrash::RecordedInfo LinuxTrash::readInfo(const TrashFolder& trash, const std::string& name) {
+  const auto file = openAt(kernel_, trash.info, infoName(name).c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
+  if (!file) {
+    return {.exists = !file.error().isMissing()};
+  }
+  const auto status = statusOf(kernel_, *file);
+  const auto text = readAll(kernel_, *file, infoFileLimit);
+  return {.exists = true,
+          .info = text ? parseTrashInfo(*text) : std::nullopt,
+          .modifiedSeconds = status ? status->modifiedSeconds : 0};
+}
+
+// After a crash
+
+ActState LinuxTrash::settle(const TrashIntent& intent) {
+  const auto mounts = mountTable_.mounts();
+  if (!mounts) {
+    return ActState::unknown;
+  }
+  const auto origin = openItem(reader_, intent.originalPath);
+  const bool isAtOrigin = origin && isSameThing(origin->identity, intent.identity);
+  const auto trash = folders_.openHolding(intent.trashPath, *mounts);
+  if (!trash) {
+    // Without its Trash nothing can be left there. Where neither place can be read, nothing is known.
+    const bool isTrashGone = trash.error().isMissing();
+    return isAtOrigin ? ActState::atOrigin : isTrashGone ? ActState::neither : ActState::unknown;
+  }
+  const std::string name(lastPathComponent(intent.trashPath));
+  const auto inTrash = statusAt(kernel_, trash->files, name.c_str());
+  const bool isInTrash = inTrash && isSameThing(inTrash->identity, intent.identity);
+  if (isAtOrigin && isInTrash && inTrash->linkCount > 1 && inTrash->identity.kind != FileKind::folder) {
+    // A file that died between its two names: the second one goes, the file stays.
+    static_cast<void>(removeFile(kernel_, trash->files, name.c_str()));
+  }
+  if (isAtOrigin) {
+    return settleInfoOfAbsent(*trash, name, intent);
+  }
+  if (isInTrash) {
+    return settleInfoOfPresent(*trash, name, intent);
+  }
+  const bool isKnown = (origin || origin.error().isMissing()) && (inTrash || inTrash.error().isMissing());
+  return isKnown ? ActState::neither : ActState::unknown;
+}
+
+/// Removes the info file that the act left for an item that isn't in the Trash.
+ActState LinuxTrash::settleInfoOfAbsent(const TrashFolder& trash, const std::string& name, const TrashIntent& intent) {
+  if (statusAt(kernel_, trash.files, name.c_str())) {
+    return ActState::atOrigin;  // another item has the name; the info file is that one's
+  }
+  const RecordedInfo recorded = readInfo(trash, name);
+  const auto intentSeconds = std::chrono::floor<std::chrono::seconds>(intent.date).time_since_epoch().count();
+  const bool isOurs = recorded.exists && recorded.modifiedSeconds <= intentSeconds + settleWindowSeconds &&
+                      (!recorded.info || originOf(*recorded.info, trash.top) == intent.originalPath);
+  if (isOurs && !removeInfo(trash, name)) {
+    return ActState::unknown;
+  }
+  return ActState::atOrigin;
+}
+
+/// Writes the info file again where the crash lost it.
+ActState LinuxTrash::settleInfoOfPresent(const TrashFolder& trash, const std::string& name, const TrashIntent& intent) {
+  const RecordedInfo recorded = readInfo(trash, name);
+  if (recorded.info) {
+    return ActState::inTrash;
+  }
+  if (!removeInfo(trash, name) || !writeInfo(trash, name, intent.originalPath, intent.date)) {
+    return ActState::unknown;
+  }
+  return ActState::inTrash;
+}
+
+// The list of sizes
+
+void LinuxTrash::noteSize(const TrashFolder& trash, const std::string& name, std::int64_t allocatedBytes) {
+  const auto info = statusAt(kernel_, trash.info, infoName(name).c_str());
+  if (info) {
+    sizeChanges_[trash.path][name] =
+        FolderSize{.allocatedBytes = allocatedBytes, .infoModifiedSeconds = info->modifiedSeconds};
+  }
+}
+
+void LinuxTrash::writeSizes() {
+  const auto mounts = mountTable_.mounts();
+  if (!mounts) {
+    return;
+  }
+  for (const auto& [path, changes] : sizeChanges_) {
+    if (const auto trash = folders_.openHolding(path + "/files/any", *mounts)) {
+      writeFolderSizes(kernel_, *trash, changes);
+    }
+  }
+  sizeChanges_.clear();
+}
+
+}  // namespace lumenary

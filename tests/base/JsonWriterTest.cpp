@@ -1,0 +1,72 @@
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "base/JsonWriter.h"
+
+namespace lumenary {
+namespace {
+
+using Layout = JsonWriter::Layout;
+
+std::string sample(Layout layout) {
+  JsonWriter json(layout);
+  json.beginObject();
+  json.key("a").beginArray().integer(1).beginObject().endObject().null().endArray();
+  json.key("b").beginObject().key("c").boolean(true).key("d").string("x").endObject();
+  json.key("e").beginArray().endArray();
+  return json.endObject().take();
+}
+
+TEST(JsonWriterTest, compactLayout) {
+  EXPECT_EQ(sample(Layout::compact), R"({"a":[1,{},null],"b":{"c":true,"d":"x"},"e":[]})");
+}
+
+TEST(JsonWriterTest, prettyLayout) {
+  EXPECT_EQ(sample(Layout::pretty), R"({
+  "a": [
+    1,
+    {},
+    null
+  ],
+  "b": {
+    "c": true,
+    "d": "x"
+  },
+  "e": []
+})");
+}
+
+TEST(JsonWriterTest, stringsAndKeysAreEscaped) {
+  const struct {
+    std::string_view text;
+    std::string_view json;
+  } cases[] = {
+      {"", R"("")"},
+      {"a/b é \U0001F600 \x7F", "\"a/b é \U0001F600 \x7F\""},
+      {R"("\)", R"("\"\\")"},
+      {"\b\f\n\r\t", R"("\b\f\n\r\t")"},
+      {std::string_view("\0\x1F", 2), R"("\u0000\u001F")"},
+  };
+  for (const auto& [text, json] : cases) {
+    EXPECT_EQ(JsonWriter(Layout::compact).string(text).take(), json);
+  }
+  EXPECT_EQ(JsonWriter(Layout::compact).beginObject().key("\"\n").null().endObject().take(), R"({"\"\n":null})");
+}
+
+TEST(JsonWriterTest, numbers) {
+  const auto number = [](double value) { return JsonWriter(Layout::compact).number(value).take(); };
+  EXPECT_EQ(number(0.1), "0.1");
+  EXPECT_EQ(number(-3), "-3");
+  EXPECT_EQ(number(1795383965.25), "1795383965.25");
+  EXPECT_EQ(number(1e300), "1e+300");
+  EXPECT_EQ(number(std::numeric_limits<double>::infinity()), "null");
+  EXPECT_EQ(number(std::numeric_limits<double>::quiet_NaN()), "null");
+  EXPECT_EQ(JsonWriter(Layout::compact).integer(std::numeric_limits<std::int64_t>::min()).take(),
+            "-9223372036854775808");
+  EXPECT_EQ(JsonWriter(Layout::compact).unsignedInteger(std::numeric_limits<std::uint64_t>::max()).take(),
+            "18446744073709551615");
+}
+
+}  // namespace
+}  // namespace lumenary

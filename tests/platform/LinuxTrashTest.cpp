@@ -1,0 +1,414 @@
+#include <gtest/gtest.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "base/Path.h"
+#include "platform/linux/LinuxFileReader.h"
+#include "platform/linux/LinuxMountTable.h"
+#include "platform/linux/LinuxTrash.h"
+#include "platform/linux/TrashInfo.h"
+#include "platform/linux/TrashName.h"
+#include "platform/linux/TrashSizes.h"
+#include "support/FaultKernel.h"
+#include "support/TemporaryHome.h"
+
+namespace lumenary {
+namespace {
+
+namespace fs = std::filesystem;
+
+class NotingRecorder final : public IntentRecorder {
+ public:
+  SystemResult<void> intend(const TrashIntent& intent) override {
+    intents.push_back(intent);
+    return {};
+  }
+  std::vector<TrashIntent> intents;
+};
+
+class LinuxTrashTest : public testing::Test {
+ protected:
+  using Moved = std::expected<TrashedItem, TrashError>;
+
+  LinuxTrashTest() : places(home.places()), trash(kernel, reader, mountTable, places) {}
+
+  Moved move(const std::string& path) {
+    const auto item = openItem(reader, path);
+    return item ? trash.move(*item, 4096, recorder)
+                : std::unexpected(TrashError{.refusal = TrashRefusal::missing, .cause = item.error()});
+  }
+  Moved putBack(const std::string& trashPath, const std::string& originalPath) {
+    return trash.putBack(trashPath, originalPath, recorder);
+  }
+  static TrashRefusal refusal(const Moved& moved) { return moved ? TrashRefusal::failed : moved.error().refusal; }
+
+  TemporaryHome home;
+  Places places;
+  FaultKernel kernel;
+  LinuxFileReader reader;
+  LinuxMountTable mountTable;
+  LinuxTrash trash;
+  NotingRecorder recorder;
+};
+
+TEST_F(LinuxTrashTest, MovesAFolderWithItsInfoAndBringsItBack) {
+  home.write("Code/my app/dist/a.js", "a");
+  const std::string origin = home.path("Code/my app/dist");
+  const auto moved = move(origin);
+  ASSERT_TRUE(moved.has_value());
+  EXPECT_EQ(moved->trashPath, home.trash("files/dist"));
+  EXPECT_FALSE(standsAt(origin));
+  EXPECT_EQ(contentsOf(home.trash("files/dist/a.js")), "a");
+  const auto info = parseTrashInfo(contentsOf(home.trash("info/dist.trashinfo")));
+  ASSERT_TRUE(info.has_value());
+  EXPECT_EQ(info->path, origin);
+  EXPECT_EQ(contentsOf(home.trash("info/dist.trashinfo")).find("my app"), std::string::npos) << "must be encoded";
+
+  trash.writeSizes();
+  EXPECT_TRUE(contentsOf(home.trash("directorysizes")).starts_with("4096 "));
+  ASSERT_TRUE(putBack(moved->trashPath, origin).has_value());
+  trash.writeSizes();
+  EXPECT_EQ(contentsOf(origin + "/a.js"), "a");
+  EXPECT_TRUE(namesIn(home.trash("info")).empty());
+  EXPECT_EQ(contentsOf(home.trash("directorysizes")), "");
+  ASSERT_EQ(recorder.intents.size(), 2U);
+  EXPECT_EQ(recorder.intents[0].identity, recorder.intents[1].identity);
+}
+
+TEST_F(LinuxTrashTest, NamesOfAnyBytesComeBackByteForByte) {
+  for (const std::string& name : {std::string("new\nline"), std::string("not \xff\xfe utf8"), std::string("100%"),
+                                  std::string(255, 'n'), std::string(" "), std::string("…"), std::string(".hidden")}) {
+    home.write("Code/" + name + "/inside", name);
+    const std::string origin = home.path("Code/" + name);
+    const auto moved = move(origin);
+    ASSERT_TRUE(moved.has_value()) << name;
+    EXPECT_FALSE(standsAt(origin));
+    ASSERT_TRUE(putBack(moved->trashPath, origin).has_value()) << name;
+    EXPECT_EQ(contentsOf(origin + "/inside"), name);
+  }
+}
+
+TEST_F(LinuxTrashTest, NeverOverwritesInTheTrash) {
+  home.write(".local/share/Trash/files/dist", "an orphan without info");
+  home.write(".local/share/Trash/info/dist.2.trashinfo", "an info without file");
+  for (int round = 0; round < 12; ++round) {
+    home.write("Code/app/dist/a.js");
+    ASSERT_TRUE(move(home.path("Code/app/dist")).has_value()) << round;
+  }
+  EXPECT_EQ(contentsOf(home.trash("files/dist")), "an orphan without info");
+  EXPECT_EQ(contentsOf(home.trash("info/dist.2.trashinfo")), "an info without file");
+  EXPECT_EQ(namesIn(home.trash("files")).size(), 13U);
+  EXPECT_FALSE(standsAt(home.trash("files/dist.2")));
+}
+
+TEST_F(LinuxTrashTest, LinksAreMovedAsLinks) {
+  home.write("Documents/kept.txt", "kept");
+  home.makeFolder("Code");
+  fs::create_directory_symlink(home.path("Documents"), home.path("Code/dist"));
+  const auto moved = move(home.path("Code/dist"));
+  ASSERT_TRUE(moved.has_value());
+  EXPECT_TRUE(fs::is_symlink(moved->trashPath));
+  EXPECT_EQ(contentsOf(home.path("Documents/kept.txt")), "kept");
+}
+
+TEST_F(LinuxTrashTest, RefusesToReachAnItemThroughALink) {
+  home.write("Real/dist/a.js");
+  fs::create_directory_symlink(home.path("Real"), home.path("Linked"));
+  EXPECT_FALSE(move(home.path("Linked/dist")).has_value());
+  EXPECT_TRUE(standsAt(home.path("Real/dist")));
+}
+
+TEST_F(LinuxTrashTest, WhatWasPutThereMeanwhileStays) {
+  home.write("Code/app/dist/a.js", "confirmed");
+  const auto item = openItem(reader, home.path("Code/app/dist"));
+  ASSERT_TRUE(item.has_value());
+  const auto swap = [&] {
+    fs::rename(home.path("Code/app/dist"), home.path("Code/app/elsewhere"));
+    home.write("Code/app/dist/b.js", "another");
+  };
+  struct Case {
+    const char* name;
+    const char* moment;
+  };
+  for (const Case& test : {Case{"before anything", ""}, Case{"right before the rename", "renameat2"}}) {
+    SCOPED_TRACE(test.name);
+    bool isSwapped = false;
+    kernel.beforeCall = [&](std::string_view call) {
+      if (!isSwapped && (*test.moment == '\0' || call == test.moment)) {
+        isSwapped = true;
+        swap();
+      }
+    };
+    const auto moved = trash.move(*item, 0, recorder);
+    kernel.beforeCall = nullptr;
+    EXPECT_EQ(refusal(moved), TrashRefusal::changed);
+    EXPECT_EQ(contentsOf(home.path("Code/app/dist/b.js")), "another");
+    EXPECT_EQ(contentsOf(home.path("Code/app/elsewhere/a.js")), "confirmed");
+    EXPECT_TRUE(namesIn(home.trash("files")).empty());
+    EXPECT_TRUE(namesIn(home.trash("info")).empty());
+    fs::remove_all(home.path("Code/app/dist"));
+    fs::rename(home.path("Code/app/elsewhere"), home.path("Code/app/dist"));
+  }
+}
+
+TEST_F(LinuxTrashTest, TheTrashReplacedByALinkTakesNothingElsewhere) {
+  home.write("Code/app/dist/a.js");
+  home.makeFolder("Elsewhere");
+  kernel.beforeCall = [&](std::string_view call) {
+    if (call == "renameat2" && standsAt(home.trash("files")) && !fs::is_symlink(home.trash("files"))) {
+      fs::rename(home.trash("files"), home.trash("real files"));
+      fs::create_directory_symlink(home.path("Elsewhere"), home.trash("files"));
+    }
+  };
+  ASSERT_TRUE(move(home.path("Code/app/dist")).has_value());
+  EXPECT_TRUE(namesIn(home.path("Elsewhere")).empty());
+  EXPECT_TRUE(standsAt(home.trash("real files/dist/a.js")));
+}
+
+TEST_F(LinuxTrashTest, ASecondMoverOfTheSameItemFindsItGone) {
+  home.write("Code/app/dist/a.js");
+  const auto item = openItem(reader, home.path("Code/app/dist"));
+  ASSERT_TRUE(move(home.path("Code/app/dist")).has_value());
+  EXPECT_EQ(refusal(trash.move(*item, 0, recorder)), TrashRefusal::missing);
+  EXPECT_EQ(namesIn(home.trash("info")), std::set<std::string>{"dist.trashinfo"});
+}
+
+TEST_F(LinuxTrashTest, WithoutExclusiveRenameFilesMoveByLinkAndFoldersStay) {
+  class OldKernel final : public LinuxKernel {
+    int renameat2(int, const char*, int, const char*, unsigned flags) override {
+      errno = flags == 0 ? EIO : EINVAL;
+      return -1;
+    }
+  } old;
+  LinuxTrash oldTrash(old, reader, mountTable, places);
+  home.write("Code/file", "text");
+  home.write("Code/folder/file");
+  const auto file = oldTrash.move(*openItem(reader, home.path("Code/file")), 0, recorder);
+  ASSERT_TRUE(file.has_value());
+  EXPECT_EQ(contentsOf(file->trashPath), "text");
+  EXPECT_EQ(fs::hard_link_count(file->trashPath), 1U);
+  EXPECT_EQ(refusal(oldTrash.move(*openItem(reader, home.path("Code/folder")), 0, recorder)),
+            TrashRefusal::noExclusiveMove);
+  EXPECT_TRUE(standsAt(home.path("Code/folder/file")));
+  EXPECT_FALSE(standsAt(home.trash("info/folder.trashinfo")));
+}
+
+TEST_F(LinuxTrashTest, AnIntentThatCantBeWrittenStopsTheMove) {
+  class FullDisk final : public IntentRecorder {
+    SystemResult<void> intend(const TrashIntent&) override { return std::unexpected(SystemError{ENOSPC}); }
+  } full;
+  home.write("Code/app/dist/a.js");
+  EXPECT_EQ(refusal(trash.move(*openItem(reader, home.path("Code/app/dist")), 0, full)), TrashRefusal::noSpace);
+  EXPECT_TRUE(standsAt(home.path("Code/app/dist/a.js")));
+  EXPECT_TRUE(namesIn(home.trash("info")).empty());
+}
+
+TEST_F(LinuxTrashTest, GuardedPlacesStay) {
+  home.write(".ssh/build/key");
+  home.write(".config/app/file");
+  home.write(".local/share/Lumenary/build/file");
+  home.write(".local/share/Trash/files/old/build/file");
+  for (const std::string& path :
+       {std::string("/"), std::string("/usr"), std::string("/usr/lib"), home.root(), home.path(".config"),
+        home.path(".local"), home.path(".local/share"), home.path(".ssh"), home.path(".ssh/build"),
+        home.path(".local/share/Lumenary/build"), home.path(".local/share/Trash/files/old/build"),
+        std::string(parentPath(home.root()))}) {
+    EXPECT_EQ(refusal(move(path)), TrashRefusal::guarded) << path;
+  }
+  EXPECT_TRUE(move(home.path(".config/app")).has_value());
+  Places nobody = places;
+  nobody.home.clear();
+  LinuxTrash homeless(kernel, reader, mountTable, nobody);
+  home.write("Code/dist/a.js");
+  EXPECT_EQ(refusal(homeless.move(*openItem(reader, home.path("Code/dist")), 0, recorder)), TrashRefusal::guarded);
+}
+
+TEST_F(LinuxTrashTest, PuttingBackIsGuardedTheSameWay) {
+  home.write("Code/app/dist/a.js", "a");
+  home.write("Code/occupied");
+  const std::string inTrash = move(home.path("Code/app/dist"))->trashPath;
+  fs::create_directory_symlink(home.path("Code"), home.path("Linked"));
+  home.write(".local/share/Trash/files/stranger/file");
+  home.write(".local/share/Trash/info/stranger.trashinfo", "[Trash Info]\nPath=/elsewhere\nDeletionDate=x\n");
+  home.write("Code/trash/files/own");
+  struct Case {
+    const char* name;
+    std::string trashPath;
+    std::string originalPath;
+    TrashRefusal expected;
+  };
+  const Case cases[] = {
+      {"climbing origin", inTrash, home.path("Code/../Code/app/dist"), TrashRefusal::guarded},
+      {"relative origin", inTrash, "Code/app/dist", TrashRefusal::guarded},
+      {"among the keys", inTrash, home.path(".ssh/dist"), TrashRefusal::guarded},
+      {"another origin than its info tells", inTrash, home.path("Code/dist"), TrashRefusal::notInTrash},
+      {"another item under the name", home.trash("files/stranger"), home.path("Code/x"), TrashRefusal::notInTrash},
+      {"not a Trash of this person", home.path("Code/trash/files/own"), home.path("Code/own"),
+       TrashRefusal::notInTrash},
+      {"gone from the Trash", home.trash("files/gone"), home.path("Code/gone"), TrashRefusal::notInTrash},
+  };
+  for (const Case& test : cases) {
+    EXPECT_EQ(refusal(putBack(test.trashPath, test.originalPath)), test.expected) << test.name;
+  }
+  home.write("Code/app/dist", "in the way");
+  EXPECT_EQ(refusal(putBack(inTrash, home.path("Code/app/dist"))), TrashRefusal::occupied);
+  fs::remove_all(home.path("Code/app"));
+  EXPECT_EQ(refusal(putBack(inTrash, home.path("Code/app/dist"))), TrashRefusal::parentGone);
+  fs::create_directory_symlink(home.path("Code"), home.path("Code/app"));
+  EXPECT_EQ(refusal(putBack(inTrash, home.path("Code/app/dist"))), TrashRefusal::parentGone);
+  EXPECT_EQ(contentsOf(inTrash + "/a.js"), "a");
+}
+
+/// A file system of its own, mounted below a temporary home; skipped where this process may not mount.
+class SecondVolumeTest : public LinuxTrashTest {
+ protected:
+  void SetUp() override {
+    home.makeFolder("volume");
+    volume = home.path("volume");
+    if (::mount("none", volume.c_str(), "tmpfs", 0, "size=1m") != 0) {
+      volume.clear();
+      GTEST_SKIP() << "mounting a second file system is not allowed here";
+    }
+    home.write("volume/app/dist/a.js", "a");
+  }
+  void TearDown() override {
+    if (!volume.empty()) {
+      ::umount2(volume.c_str(), MNT_DETACH);
+    }
+  }
+  std::string ownTrash() const { return volume + "/.Trash-" + std::to_string(places.userID); }
+  std::string sharedTrash() const { return volume + "/.Trash/" + std::to_string(places.userID); }
+
+  std::string volume;
+};
+
+TEST_F(SecondVolumeTest, UsesTheTrashOfTheVolumeAndComesBack) {
+  const auto moved = move(volume + "/app/dist");
+  ASSERT_TRUE(moved.has_value());
+  EXPECT_EQ(moved->trashPath, ownTrash() + "/files/dist");
+  EXPECT_EQ(fs::status(ownTrash()).permissions(), fs::perms::owner_all);
+  EXPECT_EQ(parseTrashInfo(contentsOf(ownTrash() + "/info/dist.trashinfo"))->path, "app/dist");
+  EXPECT_FALSE(standsAt(home.trash("files/dist")));
+  ASSERT_TRUE(putBack(moved->trashPath, volume + "/app/dist").has_value());
+  EXPECT_EQ(contentsOf(volume + "/app/dist/a.js"), "a");
+}
+
+TEST_F(SecondVolumeTest, AnAbsoluteOriginInAVolumesTrashIsRefused) {
+  const std::string inTrash = move(volume + "/app/dist")->trashPath;
+  std::ofstream(ownTrash() + "/info/dist.trashinfo") << "[Trash Info]\nPath=" << volume << "/app/dist\n";
+  EXPECT_EQ(refusal(putBack(inTrash, volume + "/app/dist")), TrashRefusal::notInTrash);
+}
+
+TEST_F(SecondVolumeTest, TheSharedTrashCountsOnlyAsARealFolderWithTheStickyBit) {
+  home.makeFolder("volume/.Trash");
+  ASSERT_EQ(move(volume + "/app/dist")->trashPath, ownTrash() + "/files/dist") << "no sticky bit";
+  ::chmod((volume + "/.Trash").c_str(), 01777);
+  home.write("volume/app/dist/a.js");
+  ASSERT_EQ(move(volume + "/app/dist")->trashPath, sharedTrash() + "/files/dist");
+  fs::rename(volume + "/.Trash", volume + "/elsewhere");
+  fs::create_directory_symlink(volume + "/elsewhere", volume + "/.Trash");
+  home.write("volume/app/dist/a.js");
+  ASSERT_EQ(move(volume + "/app/dist")->trashPath, ownTrash() + "/files/dist.2") << "a link";
+}
+
+TEST_F(SecondVolumeTest, ATrashThatIsALinkOrReadOnlyIsNotUsed) {
+  home.makeFolder("volume/elsewhere");
+  fs::create_directory_symlink(volume + "/elsewhere", ownTrash());
+  EXPECT_EQ(refusal(move(volume + "/app/dist")), TrashRefusal::noTrash);
+  fs::remove(ownTrash());
+  ASSERT_EQ(::mount("none", volume.c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr), 0);
+  EXPECT_EQ(refusal(move(volume + "/app/dist")), TrashRefusal::readOnlyVolume);
+  EXPECT_TRUE(standsAt(volume + "/app/dist/a.js"));
+}
+
+TEST_F(SecondVolumeTest, MountPointsAndWhatHoldsThemStay) {
+  home.makeFolder("volume/app/build/inner");
+  ASSERT_EQ(::mount("none", (volume + "/app/build/inner").c_str(), "tmpfs", 0, "size=1m"), 0);
+  for (const char* path : {"/app/build", "/app/build/inner", "/app", ""}) {
+    EXPECT_EQ(refusal(move(volume + path)), TrashRefusal::mountInside) << path;
+  }
+  ::umount2((volume + "/app/build/inner").c_str(), MNT_DETACH);
+  EXPECT_TRUE(move(volume + "/app/build").has_value());
+}
+
+TEST_F(SecondVolumeTest, ABindMountHasATrashOfItsOwnAndNothingIsCopied) {
+  home.write("Code/app/dist/a.js");
+  home.makeFolder("bound");
+  ASSERT_EQ(::mount(home.path("Code").c_str(), home.path("bound").c_str(), nullptr, MS_BIND, nullptr), 0);
+  const auto moved = move(home.path("bound/app/dist"));
+  ::umount2(home.path("bound").c_str(), MNT_DETACH);
+  ASSERT_TRUE(moved.has_value());
+  EXPECT_EQ(moved->trashPath, home.path("bound/.Trash-" + std::to_string(places.userID) + "/files/dist"));
+}
+
+TEST_F(SecondVolumeTest, AHomeTrashOnAnotherVolumeIsReachedThroughItsLink) {
+  home.makeFolder("volume/trash");
+  home.makeFolder(".local/share");
+  fs::create_directory_symlink(volume + "/trash", home.path(".local/share/Trash"));
+  const auto moved = move(volume + "/app/dist");
+  ASSERT_TRUE(moved.has_value());
+  EXPECT_TRUE(standsAt(volume + "/trash/files/dist/a.js"));
+}
+
+TEST(TrashInfoTest, ReadsWhatTheFormatAllows) {
+  struct Case {
+    const char* name;
+    std::string text;
+    std::string path;  ///< empty: refused
+  };
+  const Case cases[] = {
+      {"plain", "[Trash Info]\nPath=/a/b\nDeletionDate=2026-01-02T03:04:05\n", "/a/b"},
+      {"encoded", "[Trash Info]\nPath=/a%20b/%FF%0A\n", "/a b/\xff\n"},
+      {"first of two counts", "[Trash Info]\nPath=/a\nPath=/b\n", "/a"},
+      {"other lines and line ends", "[Trash Info]\r\nX=1\r\nPath=/a\r\n", "/a"},
+      {"no header", "Path=/a\n", ""},
+      {"header in second line", "\n[Trash Info]\nPath=/a\n", ""},
+      {"no path", "[Trash Info]\nDeletionDate=x\n", ""},
+      {"empty path", "[Trash Info]\nPath=\n", ""},
+      {"broken encoding", "[Trash Info]\nPath=/a%2\n", ""},
+      {"encoded end of text", "[Trash Info]\nPath=/a%00b\n", ""},
+      {"climbs", "[Trash Info]\nPath=/a/../b\n", ""},
+      {"climbs when decoded", "[Trash Info]\nPath=a/%2E%2E/b\n", ""},
+      {"nothing", "", ""},
+  };
+  for (const Case& test : cases) {
+    const auto info = parseTrashInfo(test.text);
+    EXPECT_EQ(info ? info->path : "", test.path) << test.name;
+  }
+  EXPECT_EQ(originOf({.path = "a/b", .deletionDate = ""}, "/media/disk"), "/media/disk/a/b");
+  EXPECT_EQ(originOf({.path = "a/b", .deletionDate = ""}, ""), std::nullopt);
+  EXPECT_EQ(originOf({.path = "/a/b", .deletionDate = ""}, "/media/disk"), std::nullopt);
+}
+
+TEST(TrashNameTest, StaysShortAndKeepsTheExtension) {
+  struct Case {
+    std::string name;
+    unsigned attempt;
+    std::size_t limit;
+    std::string expected;
+  };
+  const Case cases[] = {
+      {"dist", 0, 245, "dist"},           {"dist", 1, 245, "dist.2"},
+      {"a.tar", 8, 245, "a.9.tar"},       {".next", 1, 245, ".next.2"},
+      {"photo.jpeg", 1, 9, "ph.2.jpeg"},  {"ééé", 0, 5, "éé"},
+      {"\xff\xff\xff", 0, 2, "\xff\xff"}, {"a.averyveryverylongextension", 1, 245, "a.averyveryverylongextension.2"},
+  };
+  for (const Case& test : cases) {
+    EXPECT_EQ(trashName(test.name, test.attempt, test.limit), test.expected);
+  }
+  EXPECT_NE(trashName("dist", 9, 245), trashName("dist", 10, 245));
+  EXPECT_EQ(trashName("dist", 9, 245).size(), std::string("dist.00000000").size());
+}
+
+TEST(TrashSizesTest, KeepsOtherEntriesAndDropsWhatIsBroken) {
+  const FolderSizeChanges changes = {{"new one", FolderSize{.allocatedBytes = 5, .infoModifiedSeconds = 7}},
+                                     {"gone", std::nullopt}};
+  EXPECT_EQ(updatedFolderSizes("1 2 kept\nbroken\n3 4 gone\n5 x y\n6 7 new%20one", changes),
+            "1 2 kept\n5 7 new%20one\n");
+}
+
+}  // namespace
+}  // namespace lumenary

@@ -1,0 +1,92 @@
+#include <gtest/gtest.h>
+
+#include "platform/linux/LinuxMountTable.h"
+
+namespace lumenary {
+namespace {
+
+Mount mount(std::string point, MountKind kind = MountKind::local) {
+  Mount made;
+  made.point = std::move(point);
+  made.kind = kind;
+  return made;
+}
+
+TEST(MountTable, ReadsTheKernelsText) {
+  EXPECT_EQ(parseMountInfo("28 1 254:0 / / rw,relatime shared:1 - ext4 /dev/vda1 rw,errors=remount-ro\n"
+                           "29 28 0:5 / /media/ada/My\\040Disk\\012\\134 ro,nosuid - ext4 /dev/sdb1 rw\n"
+                           "30 28 0:6 / /srv rw shared:2 master:1 propagate_from:3 - btrfs /dev/sdc ro,space_cache"),
+            (std::vector<Mount>{{28, "/", "ext4", MountKind::local, false},
+                                {29, "/media/ada/My Disk\n\\", "ext4", MountKind::local, true},
+                                {30, "/srv", "btrfs", MountKind::local, true}}));
+}
+
+TEST(MountTable, LeavesOutLinesThatAreBroken) {
+  for (const char* line : {"", "28", "x 1 0:1 / / rw - ext4 d rw", "28 1 0:1 / / rw shared:1", "28 1 0:1 / / rw -",
+                           "28 1 0:1 / relative rw - ext4 d rw", "28x 1 0:1 / / rw - ext4 d rw", "- - - - - - -"}) {
+    const auto mounts = parseMountInfo(std::string(line) + "\n40 1 0:2 / /kept rw - xfs d rw\n" + line);
+    EXPECT_EQ(mounts, (std::vector<Mount>{{40, "/kept", "xfs", MountKind::local, false}})) << line;
+  }
+  const auto odd = parseMountInfo("1 1 0:1 / /a\\04 rw - ext4 d rw\n2 1 0:1 / /b\\999\\000 rw - ext4 d rw\n");
+  ASSERT_EQ(odd.size(), 2U);
+  EXPECT_EQ(odd[0].point, "/a\\04");
+  EXPECT_EQ(odd[1].point, "/b\\999\\000");
+}
+
+TEST(MountTable, KeepsTheLastOfSeveralMountsAtOnePoint) {
+  const auto mounts = parseMountInfo(
+      "1 0 0:1 / / rw - rootfs rootfs rw\n2 1 0:2 / /home rw - nfs server:/ rw\n"
+      "3 1 0:3 / / rw - ext4 d rw\n4 2 0:4 / /home rw - ext4 d rw\n");
+  ASSERT_EQ(mounts.size(), 2U);
+  EXPECT_EQ(mounts[0].id, 3U);
+  EXPECT_EQ(mounts[1].id, 4U);
+}
+
+TEST(MountTable, TellsWhatMayStopAnswering) {
+  struct {
+    const char* type;
+    MountKind kind;
+  } const cases[] = {
+      {"ext4", MountKind::local},           {"tmpfs", MountKind::local},    {"overlay", MountKind::local},
+      {"ramfs", MountKind::local},          {"fuseblk", MountKind::local},  {"fuse", MountKind::userspace},
+      {"fuse.sshfs", MountKind::userspace}, {"fusectl", MountKind::kernel}, {"nfs4", MountKind::network},
+      {"cifs", MountKind::network},         {"9p", MountKind::network},     {"proc", MountKind::kernel},
+      {"autofs", MountKind::kernel},        {"cgroup2", MountKind::kernel}};
+  for (const auto& [type, kind] : cases) {
+    const auto mounts = parseMountInfo("1 0 0:1 / /x rw - " + std::string(type) + " d rw");
+    EXPECT_EQ(mounts.at(0).kind, kind) << type;
+  }
+}
+
+TEST(MountTable, FindsTheMountThatHoldsAPath) {
+  const std::vector<Mount> mounts = {mount("/home/ada"), mount("/"), mount("/home")};
+  struct {
+    const char* path;
+    const char* point;
+  } const cases[] = {
+      {"/", "/"}, {"/homestead", "/"}, {"/home", "/home"}, {"/home/bo", "/home"}, {"/home/ada/x", "/home/ada"}};
+  for (const auto& [path, point] : cases) {
+    EXPECT_EQ(mountHolding(mounts, path)->point, point) << path;
+  }
+  EXPECT_EQ(mountHolding({}, "/"), nullptr);
+}
+
+TEST(MountTable, NamesThePointsBelowAFolderThatAWalkMustNotEnter) {
+  const std::vector<Mount> mounts = {
+      mount("/"),          mount("/proc", MountKind::kernel),        mount("/code", MountKind::network),
+      mount("/code/disk"), mount("/code/far", MountKind::userspace), mount("/codes", MountKind::network)};
+  EXPECT_EQ(mountPointsNotToEnter(mounts, "/code"), (std::vector<std::string>{"/code/far"}));
+  EXPECT_EQ(mountPointsNotToEnter(mounts, "/"), (std::vector<std::string>{"/proc", "/code", "/code/far", "/codes"}));
+}
+
+TEST(MountTable, ReadsThisMachinesMounts) {
+  const auto mounts = LinuxMountTable().mounts();
+  ASSERT_TRUE(mounts);
+  const Mount* holding = mountHolding(*mounts, "/proc/self/mountinfo");
+  ASSERT_NE(holding, nullptr);
+  EXPECT_EQ(holding->type, "proc");
+  EXPECT_EQ(holding->kind, MountKind::kernel);
+}
+
+}  // namespace
+}  // namespace lumenary

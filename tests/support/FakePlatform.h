@@ -1,0 +1,90 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <stop_token>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/Platform.h"
+#include "platform/linux/LinuxFileReader.h"
+#include "support/FakeFiles.h"
+#include "support/FakeTrash.h"
+
+namespace lumenary {
+
+class FakeTerminal final : public Terminal {
+ public:
+  std::string output;
+  std::string errors;
+  bool isTerminal = false;
+  bool takesOutput = true;
+  std::function<void()> onError = [] {};
+
+  bool writeOutput(std::string_view text) override {
+    if (takesOutput) {
+      output += text;
+    }
+    return takesOutput;
+  }
+  void writeError(std::string_view text) override {
+    errors += text;
+    onError();
+  }
+  bool showsProgress() const override { return isTerminal; }
+};
+
+/// Interrupted by the test; counts how often an interrupted process would have ended.
+class FakeInterruption final : public Interruption {
+ public:
+  std::stop_source source;
+  int endings = 0;
+
+  std::stop_token token() const override { return source.get_token(); }
+  void endProcessIfInterrupted() override { endings += source.stop_requested() ? 1 : 0; }
+};
+
+class FakeDefaults final : public Defaults {
+ public:
+  std::map<std::string, std::string> values;
+
+  std::optional<std::string> string(const std::string& key) const override {
+    const auto value = values.find(key);
+    return value == values.end() ? std::nullopt : std::optional(value->second);
+  }
+};
+
+class FakeMountTable final : public MountTable {
+ public:
+  SystemResult<std::vector<Mount>> mounts() const override { return std::vector<Mount>(); }
+};
+
+/// A platform that only reads the real disk: everything else is recorded and obeys the test.
+struct FakePlatform {
+  FakePlatform(Places places, Date now) {
+    platform.places = std::move(places);
+    platform.now = [now] { return now; };
+    platform.reader = std::make_unique<LinuxFileReader>();
+    put<FakeMountTable>(platform.mountTable);
+  }
+
+  Platform platform;
+  FakeFiles& files = put<FakeFiles>(platform.files);
+  FakeTrash& trash = put<FakeTrash>(platform.trash);
+  FakeDefaults& defaults = put<FakeDefaults>(platform.defaults);
+  FakeTerminal& terminal = put<FakeTerminal>(platform.terminal);
+  FakeInterruption& interruption = put<FakeInterruption>(platform.interruption);
+
+ private:
+  template <class Fake, class Seam>
+  static Fake& put(std::unique_ptr<Seam>& place) {
+    auto fake = std::make_unique<Fake>();
+    Fake& reference = *fake;
+    place = std::move(fake);
+    return reference;
+  }
+};
+
+}  // namespace lumenary
