@@ -2,6 +2,7 @@
 """Measures the program: bench.py [NAME] [--rounds N] [--peer]. Prints Markdown; what it is doing goes to stderr."""
 
 import argparse
+import fcntl
 import os
 import pathlib
 import sys
@@ -33,6 +34,12 @@ def main():
         sys.exit(f"There is no bench {wanted.name}. There are: {', '.join(BENCHES)}")
 
     programs = measuring.Programs(wanted.build.resolve(), bench_folder())
+    programs.folder.mkdir(parents=True, exist_ok=True)
+    lock = open(programs.folder / "lock", "w")  # held until the process ends
+    try:
+        fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
+    except BlockingIOError:
+        sys.exit("Another run is measuring with these trees.")
     print(measuring.machine(programs))
     for name, bench in BENCHES.items():
         if wanted.name in (None, name):

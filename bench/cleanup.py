@@ -26,6 +26,7 @@ MOVE_ROUNDS = 5
 
 
 def run(programs, rounds, with_peer):
+    remove_outdated_trees(programs)
     projects = tree(programs, "projects", ["projects"])
     goals = [*listing(programs, projects, rounds), *start(programs), *moves(programs)]
     if with_peer:
@@ -38,14 +39,21 @@ def run(programs, rounds, with_peer):
 
 # Trees
 
-def tree(programs, name, arguments):
-    """A complete set of that name, made anew where it is missing or the maker has changed since."""
-    maker = pathlib.Path(__file__).with_name("make_code_tree.cpp").read_bytes()
+def remove_outdated_trees(programs):
+    """What another version of the maker made isn't what is described here."""
+    sources = ["make_code_tree.cpp", "Folder.h", "Random.h"]
+    maker = b"".join(pathlib.Path(__file__).with_name(source).read_bytes() for source in sources)
+    version = hashlib.sha256(maker).hexdigest()
     made_by = programs.folder / "made-by"
-    if not made_by.exists() or made_by.read_text() != hashlib.sha256(maker).hexdigest():
-        for old in [programs.folder / "projects", *programs.folder.glob("moves-*")]:
-            shutil.rmtree(old, ignore_errors=True)
-        made_by.write_text(hashlib.sha256(maker).hexdigest())
+    if not made_by.exists() or made_by.read_text() != version:
+        for outdated in [programs.folder / "projects", *programs.folder.glob("moves-*")]:
+            say(f"removing outdated {outdated.name}")
+            shutil.rmtree(outdated, ignore_errors=True)
+        made_by.write_text(version)
+
+
+def tree(programs, name, arguments):
+    """A complete set of that name, made where it is missing."""
     folder = programs.folder / name
     if not (folder / "artifacts").exists():
         say(f"making {name}")
@@ -209,7 +217,7 @@ def moves(programs):
                  for count in NUMBERS_OF_FOLDERS}
     for turn in range(MOVE_ROUNDS):
         say(f"moves, round {turn + 1} of {MOVE_ROUNDS}")
-        for moving_set in {*by_size.values(), *by_number.values()}:
+        for moving_set in dict.fromkeys([*by_size.values(), *by_number.values()]):  # one of them is in both
             moving_set.move()
 
     heads = ["", "folders", "a move", "a bare walk of it", "a move without the walk"]

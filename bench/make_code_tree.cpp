@@ -9,7 +9,6 @@
 // which thread makes it. About three of five projects carry dates of 2020, the others the date of their making.
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -17,14 +16,16 @@
 #include <atomic>
 #include <charconv>
 #include <cstddef>
-#include <cstdint>
 #include <cstdio>
-#include <cstdlib>
+#include <ctime>
 #include <mutex>
 #include <string>
 #include <string_view>
 #include <thread>
 #include <vector>
+
+#include "Folder.h"
+#include "Random.h"
 
 namespace {
 
@@ -33,100 +34,6 @@ constexpr std::size_t fileCount = 400'000;
 constexpr std::size_t storeCount = 4'000;
 constexpr std::time_t year2020 = 1'577'836'800;
 constexpr std::size_t secondsOfYear = 31'536'000;
-
-[[noreturn]] void fail(const std::string& what) {
-  std::perror(what.c_str());
-  std::exit(1);
-}
-
-/// SplitMix64: the distributions of the C++ library differ from one library to the next, this doesn't.
-class Random {
- public:
-  explicit Random(std::uint64_t seed) : state_(seed * 0x9E3779B97F4A7C15U) {}
-
-  std::size_t below(std::size_t limit) {
-    state_ += 0x9E3779B97F4A7C15U;
-    std::uint64_t mixed = (state_ ^ (state_ >> 30)) * 0xBF58476D1CE4E5B9U;
-    mixed = (mixed ^ (mixed >> 27)) * 0x94D049BB133111EBU;
-    return (mixed ^ (mixed >> 31)) % limit;
-  }
-  std::size_t between(std::size_t low, std::size_t high) { return low + below(high - low + 1); }
-
-  /// As in source and package trees: mostly some hundred bytes, few empty, few of many blocks.
-  std::size_t fileSize() {
-    const std::size_t hundredth = below(100);
-    if (hundredth < 3) {
-      return 0;
-    }
-    return hundredth < 55   ? between(8, 900)
-           : hundredth < 90 ? between(901, 4096)
-           : hundredth < 99 ? between(4097, 16384)
-                            : between(16385, 65536);
-  }
-
- private:
-  std::uint64_t state_;
-};
-
-/// A folder in the making, held open; when it is done, it gets its date. No date: it keeps the present one.
-class Folder {
- public:
-  Folder(const Folder& parent, const std::string& name) : Folder(parent.number_, name, parent.date_) {}
-  Folder(int parent, const std::string& name, std::time_t date) : date_(date) {
-    if (::mkdirat(parent, name.c_str(), 0755) != 0 && errno != EEXIST) {
-      fail(name);
-    }
-    number_ = ::openat(parent, name.c_str(), O_RDONLY | O_DIRECTORY);
-    if (number_ < 0) {
-      fail(name);
-    }
-  }
-  Folder(const Folder&) = delete;
-  Folder& operator=(const Folder&) = delete;
-  ~Folder() {
-    giveDate(number_);
-    ::close(number_);
-  }
-
-  int number() const { return number_; }
-
-  void file(const std::string& name, std::size_t size) const {
-    static const std::string content(65536, 'x');
-    const int number = ::openat(number_, name.c_str(), O_WRONLY | O_CREAT | O_EXCL, 0644);
-    // What is big gets its blocks without its bytes: that is fast, and measured the same.
-    const bool isMade =
-        number >= 0 && (size <= content.size() ? ::write(number, content.data(), size) == static_cast<ssize_t>(size)
-                                               : ::posix_fallocate(number, 0, static_cast<off_t>(size)) == 0);
-    if (!isMade) {
-      fail(name);
-    }
-    giveDate(number);
-    ::close(number);
-  }
-
-  void symbolicLink(const std::string& name, const std::string& target) const {
-    if (::symlinkat(target.c_str(), number_, name.c_str()) != 0) {
-      fail(name);
-    }
-  }
-
-  void hardLink(const std::string& name, const Folder& from, const std::string& source) const {
-    if (::linkat(from.number_, source.c_str(), number_, name.c_str(), 0) != 0) {
-      fail(name);
-    }
-  }
-
- private:
-  void giveDate(int number) const {
-    const std::array<timespec, 2> times = {timespec{date_, 0}, timespec{date_, 0}};
-    if (date_ != 0) {
-      ::futimens(number, times.data());
-    }
-  }
-
-  int number_ = -1;
-  std::time_t date_;
-};
 
 /// How the files of a folder are laid out below it, and whether they are links into a store.
 struct Shape {

@@ -93,12 +93,11 @@ def first_match(pattern, path):
 
 
 def machine(programs):
-    programs.folder.mkdir(parents=True, exist_ok=True)
     file_system = subprocess.run(["findmnt", "-no", "FSTYPE", "-T", programs.folder], text=True, stdout=subprocess.PIPE)
     compiler = first_match(r"^CMAKE_CXX_COMPILER:\w+=(.*)$", programs.build / "CMakeCache.txt")
     version = subprocess.run([compiler, "--version"], text=True, stdout=subprocess.PIPE).stdout.splitlines()[0]
-    pages = os.sysconf("SC_PHYS_PAGES") * os.sysconf("SC_PAGE_SIZE")
-    return (f"Machine: {os.cpu_count()} cores ({first_match(r'^model name.*: (.*)$', '/proc/cpuinfo')}), "
-            f"{pages / 2**30:.0f} GiB, {file_system.stdout.strip()}, Linux {platform.release()}, "
-            f"{first_match(r'^PRETTY_NAME=\"(.*)\"$', '/etc/os-release')}. Compiler: {version}. "
-            f"Load before: {os.getloadavg()[0]:.1f}.\n")
+    memory_size = os.sysconf("SC_PHYS_PAGES") * os.sysconf("SC_PAGE_SIZE")
+    processor = first_match(r"^model name.*: (.*)$", "/proc/cpuinfo")
+    system = first_match(r'^PRETTY_NAME="(.*)"$', "/etc/os-release")
+    return (f"Machine: {os.cpu_count()} cores ({processor}), {memory_size / 2**30:.0f} GiB, {file_system.stdout.strip()}, "
+            f"Linux {platform.release()}, {system}. Compiler: {version}. Load before: {os.getloadavg()[0]:.1f}.\n")

@@ -9,8 +9,8 @@
 #include "base/Text.h"
 #include "cleanup/command/Options.h"
 
-// Arguments, one a line. Whatever is accepted keeps the rule that nothing moves without a number of days, and whatever is
-// refused can be told on a terminal.
+// Arguments, one a line. Whatever is accepted keeps the rule that nothing moves without a number of days, and whatever
+// is refused can be told on a terminal.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace lumenary;
   std::vector<std::string> arguments;

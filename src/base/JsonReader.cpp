@@ -31,8 +31,9 @@ JsonDocument::Error errorOf(simdjson::error_code error) {
     case simdjson::DEPTH_ERROR:
       return JsonDocument::Error::tooDeep;
     case simdjson::CAPACITY:
-    case simdjson::MEMALLOC:
       return JsonDocument::Error::tooLarge;
+    case simdjson::MEMALLOC:
+      return JsonDocument::Error::unavailable;
     default:
       return JsonDocument::Error::malformed;
   }
@@ -89,7 +90,7 @@ std::expected<JsonDocument, JsonDocument::Error> JsonDocument::parse(std::string
     return std::unexpected(Error::tooLarge);
   }
   if (!openSimdjsonLibrary()) {
-    return std::unexpected(Error::libraryMissing);
+    return std::unexpected(Error::unavailable);
   }
   auto parsed = std::make_unique<Parsed>();
   if (const simdjson::error_code error = parseInto(parsed->document, text); error != simdjson::SUCCESS) {

@@ -38,8 +38,8 @@ class JsonValue {
 /// and objects, and a number that neither a 64-bit integer nor a double can hold.
 class JsonDocument {
  public:
-  /// Why a text could not be read; `libraryMissing` says nothing about the text.
-  enum class Error { malformed, tooDeep, tooLarge, libraryMissing };
+  /// Why a text could not be read; `unavailable` says nothing about the text: the library or memory for it is missing.
+  enum class Error { malformed, tooDeep, tooLarge, unavailable };
 
   static std::expected<JsonDocument, Error> parse(std::string_view text);
 

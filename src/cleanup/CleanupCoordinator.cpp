@@ -56,13 +56,13 @@ std::expected<CleanupCoordinator::Validated, CleanupRefusal> CleanupCoordinator:
   if (!item) {
     return std::unexpected(item.error());
   }
-  if (candidate.identity && *candidate.identity != item->identity) {
-    return refused(changedSize);
-  }
   if (!DeveloperScanner::isArtifact(reader_, item->path) || item->path == standardise(home_) ||
       pathComponentCount(item->path) < fewestComponents ||
       !DeveloperScanner::nearestProjectRoot(reader_, item->path, "/")) {
     return refused(protectedPath);
+  }
+  if (candidate.identity && *candidate.identity != item->identity) {
+    return refused(changedSize);
   }
   const Measurement measurement = measure(reader_, item->parent, item->name.c_str(), userID_);
   if (differsTooMuch(measurement.allocatedBytes, candidate.byteCount)) {
@@ -77,8 +77,8 @@ std::expected<CleanupCoordinator::Validated, CleanupRefusal> CleanupCoordinator:
   return Validated{.item = *std::move(item), .allocatedBytes = measurement.allocatedBytes};
 }
 
-std::expected<TrashedItem, CleanupRefusal> CleanupCoordinator::moveToTrash(const CleanupCandidate& candidate,
-                                                                           IntentRecorder& recorder) const {
+std::expected<TrashedItem, CleanupRefusal> CleanupCoordinator::move(const CleanupCandidate& candidate,
+                                                                    IntentRecorder& recorder) const {
   const auto validated = validate(candidate);
   if (!validated) {
     return std::unexpected(validated.error());
@@ -90,28 +90,33 @@ std::expected<TrashedItem, CleanupRefusal> CleanupCoordinator::moveToTrash(const
   return *std::move(moved);
 }
 
+CleanupOutcome CleanupCoordinator::moveToTrash(const CleanupCandidate& candidate, const UUID& transactionID,
+                                               CleanupJournal& journal) const {
+  CleanupOutcome outcome{.id = UUID::random(), .url = candidate.url, .trashURL = {}, .success = false, .message = {}};
+  CleanupJournal::Recorder recorder(journal, {.act = JournalEntry::Act::move,
+                                              .transactionID = transactionID,
+                                              .itemID = outcome.id,
+                                              .source = CleanupTransaction::Source::buildCleanup,
+                                              .ruleID = developerRuleID(candidate.url),
+                                              .measuredBytes = candidate.byteCount,
+                                              .intent = {}});
+  const auto moved = move(candidate, recorder);
+  if (!(moved ? moved->isSettled : isSettled(moved.error()))) {
+    journal.keepForRecovery();
+  }
+  outcome.success = moved.has_value();
+  outcome.message = moved ? "Moved to Trash" : description(moved.error());
+  if (moved && !moved->trashPath.empty()) {
+    outcome.trashURL = FileURL{.path = moved->trashPath, .isFolder = true};
+  }
+  return outcome;
+}
+
 std::vector<CleanupOutcome> CleanupCoordinator::moveToTrash(std::span<const CleanupCandidate> candidates,
                                                             const UUID& transactionID, CleanupJournal& journal) const {
   std::vector<CleanupOutcome> outcomes;
   for (const CleanupCandidate& candidate : candidates) {
-    CleanupOutcome outcome{.id = UUID::random(), .url = candidate.url, .trashURL = {}, .success = false, .message = {}};
-    CleanupJournal::Recorder recorder(journal, {.act = JournalEntry::Act::move,
-                                                .transactionID = transactionID,
-                                                .itemID = outcome.id,
-                                                .source = CleanupTransaction::Source::buildCleanup,
-                                                .ruleID = developerRuleID(candidate.url),
-                                                .measuredBytes = candidate.byteCount,
-                                                .intent = {}});
-    const auto moved = moveToTrash(candidate, recorder);
-    if (!(moved ? moved->isSettled : isSettled(moved.error()))) {
-      journal.keepForRecovery();
-    }
-    outcome.success = moved.has_value();
-    outcome.message = moved ? "Moved to Trash" : description(moved.error());
-    if (moved && !moved->trashPath.empty()) {
-      outcome.trashURL = FileURL{.path = moved->trashPath, .isFolder = true};
-    }
-    outcomes.push_back(std::move(outcome));
+    outcomes.push_back(moveToTrash(candidate, transactionID, journal));
   }
   if (std::ranges::any_of(outcomes, &CleanupOutcome::success)) {
     trash_.writeSizes();

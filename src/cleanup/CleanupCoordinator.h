@@ -32,12 +32,12 @@ class CleanupCoordinator {
   /// walk stands last.
   std::expected<Validated, CleanupRefusal> validate(const CleanupCandidate& candidate) const;
 
-  /// Checks one candidate and moves it.
-  std::expected<TrashedItem, CleanupRefusal> moveToTrash(const CleanupCandidate& candidate,
-                                                         IntentRecorder& recorder) const;
+  /// Checks one candidate and moves it. The journal's line carries the outcome's id as item id and `transactionID`: a
+  /// record made of the outcome must use the same. The Trash's list of sizes is left to the caller.
+  CleanupOutcome moveToTrash(const CleanupCandidate& candidate, const UUID& transactionID,
+                             CleanupJournal& journal) const;
 
-  /// Exactly one outcome a candidate, in their order; a refusal stops nothing. The journal's lines carry the outcomes'
-  /// ids as item ids and `transactionID`: a record made of the outcomes must use the same.
+  /// The same for each in order, exactly one outcome a candidate; a refusal stops nothing.
   std::vector<CleanupOutcome> moveToTrash(std::span<const CleanupCandidate> candidates, const UUID& transactionID,
                                           CleanupJournal& journal) const;
 
@@ -45,6 +45,7 @@ class CleanupCoordinator {
   std::vector<CleanupCandidate> remeasure(std::span<const CleanupCandidate> candidates) const;
 
  private:
+  std::expected<TrashedItem, CleanupRefusal> move(const CleanupCandidate& candidate, IntentRecorder& recorder) const;
   std::expected<OpenedItem, CleanupRefusal> openFolder(const std::string& path) const;
   bool isFolder(const std::string& path) const;
 

@@ -73,7 +73,7 @@ std::expected<std::vector<JournalEntry>, JsonDocument::Error> decodeJournal(std:
   std::vector<JournalEntry> entries;
   for (auto end = text.find('\n'); end != std::string_view::npos; end = text.find('\n')) {
     const auto line = JsonDocument::parse(text.substr(0, end));
-    if (!line && line.error() == JsonDocument::Error::libraryMissing) {
+    if (!line && line.error() == JsonDocument::Error::unavailable) {
       return std::unexpected(line.error());
     }
     if (auto entry = line ? decodeEntry(line->root()) : std::nullopt) {

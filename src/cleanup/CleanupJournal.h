@@ -36,7 +36,7 @@ struct JournalEntry {
 std::string encodeJournalEntry(const JournalEntry& entry);
 
 /// The entries of a journal in their order. A line that isn't one of ours is passed over, and so is a last line that
-/// was cut by a crash: its act had not begun. `libraryMissing` alone is an error: then nothing is known of the text.
+/// was cut by a crash: its act had not begun. `unavailable` alone is an error: then nothing is known of the text.
 std::expected<std::vector<JournalEntry>, JsonDocument::Error> decodeJournal(std::string_view text);
 
 /// Blocks; one thread at a time. A journal that goes without `finish` stays on the disk for recovery.
@@ -55,6 +55,8 @@ class CleanupJournal {
     JournalEntry entry_;
   };
 
+  /// True once an intent was taken down: there is a file.
+  bool isBegun() const { return file_ != nullptr; }
   /// Something of the act needs to be put right by the next start: the file stays.
   void keepForRecovery() { keep_ = true; }
   /// The log holds what the act did: removes the file, unless it is kept.

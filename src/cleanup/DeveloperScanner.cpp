@@ -8,6 +8,7 @@
 
 #include "base/CheckedSum.h"
 #include "base/Path.h"
+#include "base/StableSort.h"
 #include "storage/AllocatedSize.h"
 #include "storage/BuildArtifacts.h"
 
@@ -175,18 +176,9 @@ std::vector<std::string> artifactPaths(std::span<const DeveloperProject> project
   return paths;
 }
 
-/// Equal ones keep their order. (std::stable_sort of the C++ library in use can't be compiled without a warning.)
 template <class Item>
 std::vector<Item> largestFirst(std::vector<Item> items, std::int64_t Item::* bytes) {
-  std::vector<std::size_t> order(items.size());
-  std::iota(order.begin(), order.end(), 0);
-  std::ranges::sort(order, {}, [&](std::size_t index) { return std::pair(-(items[index].*bytes), index); });
-  std::vector<Item> sorted;
-  sorted.reserve(items.size());
-  for (const std::size_t index : order) {
-    sorted.push_back(std::move(items[index]));
-  }
-  return sorted;
+  return stableSorted(std::move(items), [bytes](const Item& item) { return -(item.*bytes); });
 }
 
 CleanupCandidate candidateFor(const FileURL& artifact, const std::string& projectName) {
@@ -207,6 +199,9 @@ CleanupCandidate candidateFor(const FileURL& artifact, const std::string& projec
 }
 
 }  // namespace
+
+DeveloperScanner::DeveloperScanner(const FileReader& reader, const MountTable& mountTable)
+    : reader_(reader), mounts_(mountTable.mounts().value_or(std::vector<Mount>())) {}
 
 std::vector<DeveloperProject> DeveloperScanner::scan(const std::string& root, std::stop_token stop,
                                                      const ProgressCallback& progress) const {
@@ -291,11 +286,7 @@ std::vector<CleanupCandidate> DeveloperScanner::untouched(std::span<const Cleanu
 }
 
 std::unordered_set<std::string> DeveloperScanner::pointsNotToEnter(std::string_view root) const {
-  const auto mounts = mountTable_.mounts();
-  if (!mounts) {
-    return {};
-  }
-  const std::vector<std::string> points = mountPointsNotToEnter(*mounts, root);
+  const std::vector<std::string> points = mountPointsNotToEnter(mounts_, root);
   return {points.begin(), points.end()};
 }
 

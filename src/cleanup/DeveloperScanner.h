@@ -38,7 +38,8 @@ class DeveloperScanner {
   static constexpr std::size_t lastUsedEntryLimit = 20000;
   static constexpr std::size_t lastUsedDepthLimit = 8;
 
-  DeveloperScanner(const FileReader& reader, const MountTable& mountTable) : reader_(reader), mountTable_(mountTable) {}
+  /// Reads the mounts, which hold for all that the scanner does afterwards.
+  DeveloperScanner(const FileReader& reader, const MountTable& mountTable);
 
   /// The projects at and below `root` (absolute, standardised) down to five levels, largest artifacts first, equal ones
   /// in the order of discovery. Mounts that may stop answering are left out as if they weren't there. A stop request
@@ -74,7 +75,7 @@ class DeveloperScanner {
   std::unordered_set<std::string> pointsNotToEnter(std::string_view root) const;
 
   const FileReader& reader_;
-  const MountTable& mountTable_;
+  const std::vector<Mount> mounts_;  ///< none where they can't be read
 };
 
 }  // namespace lumenary

@@ -1,4 +1,5 @@
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,7 +12,8 @@ int main(int argumentCount, char** arguments) {
   if (argumentCount >= 2 && std::string_view(arguments[1]) == "cleanup") {
     const std::vector<std::string> options(arguments + 2, arguments + argumentCount);
     lumenary::Platform platform = lumenary::makePlatform();
-    return lumenary::CleanupCommand::run(options, platform);
+    // What the platform holds goes with the process: nothing is waited for.
+    std::exit(lumenary::CleanupCommand::run(options, platform));
   }
   std::fputs("The desktop face isn't in this build; the command is `Lumenary cleanup`.\n", stderr);
   return 2;

@@ -21,7 +21,6 @@ struct Mount {
   std::string point;     ///< where it is mounted, bytes as they are
   std::string type;      ///< the file system's name
   MountKind kind = MountKind::local;
-  bool isReadOnly = false;
 
   bool operator==(const Mount&) const = default;
 };

@@ -12,8 +12,8 @@ inline constexpr std::array<std::string_view, 10> projectMarkers = {
     "pom.xml",      "build.gradle",   "build.gradle.kts", "build.sbt", "requirements.txt"};
 
 /// Always made by a build or a package manager, wherever they stand.
-inline constexpr std::array<std::string_view, 7> artifactNames = {
-    "node_modules", ".next", "dist", "build", "__pycache__", ".build", "DerivedData"};
+inline constexpr std::array<std::string_view, 7> artifactNames = {"node_modules", ".next",  "dist",       "build",
+                                                                  "__pycache__",  ".build", "DerivedData"};
 
 /// One of these beside a folder called "target" makes it build output; searched in this order.
 inline constexpr std::array<std::string_view, 5> targetBuildFiles = {"Cargo.toml", "pom.xml", "build.gradle",

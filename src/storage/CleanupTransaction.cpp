@@ -47,7 +47,7 @@ std::optional<Item> decodeItem(const JsonValue& object) {
   const auto outcome = textOf(object, "outcome").and_then(outcomeOf);
   const auto ruleID = textOf(object, "ruleID");
   const auto ruleVersion = textOf(object, "ruleVersion");
-  if (!id || !measuredBytes || *measuredBytes < 0 || !message || !originalURL || !outcome || !ruleID || !ruleVersion) {
+  if (!id || !measuredBytes || !message || !originalURL || !outcome || !ruleID || !ruleVersion) {
     return std::nullopt;
   }
   std::optional<FileURL> trashURL;

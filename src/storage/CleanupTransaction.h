@@ -66,7 +66,7 @@ std::optional<CleanupTransaction::Source> sourceOf(std::string_view rawValue);
 std::string encodeCleanupTransactions(std::span<const CleanupTransaction> transactions);
 
 /// No value where a required key is missing or of another type anywhere: such a file is unreadable as a whole.
-/// `libraryMissing` alone says nothing about the text.
+/// `unavailable` alone says nothing about the text.
 std::expected<std::vector<CleanupTransaction>, JsonDocument::Error> decodeCleanupTransactions(std::string_view text);
 
 }  // namespace lumenary

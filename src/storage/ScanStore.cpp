@@ -49,7 +49,7 @@ ScanStore::LogState ScanStore::readLog() {
   }
   if (auto decoded = decodeCleanupTransactions(*bytes)) {
     log.transactions = *std::move(decoded);
-  } else if (decoded.error() == JsonDocument::Error::libraryMissing) {
+  } else if (decoded.error() == JsonDocument::Error::unavailable) {
     log.bytes = LogState::Bytes::unseen;
   } else {
     log.bytes = LogState::Bytes::damaged;

@@ -378,9 +378,9 @@ TEST(TrashInfoTest, ReadsWhatTheFormatAllows) {
     const auto info = parseTrashInfo(test.text);
     EXPECT_EQ(info ? info->path : "", test.path) << test.name;
   }
-  EXPECT_EQ(originOf({.path = "a/b", .deletionDate = ""}, "/media/disk"), "/media/disk/a/b");
-  EXPECT_EQ(originOf({.path = "a/b", .deletionDate = ""}, ""), std::nullopt);
-  EXPECT_EQ(originOf({.path = "/a/b", .deletionDate = ""}, "/media/disk"), std::nullopt);
+  EXPECT_EQ(originOf({.path = "a/b"}, "/media/disk"), "/media/disk/a/b");
+  EXPECT_EQ(originOf({.path = "a/b"}, ""), std::nullopt);
+  EXPECT_EQ(originOf({.path = "/a/b"}, "/media/disk"), std::nullopt);
 }
 
 TEST(TrashNameTest, StaysShortAndKeepsTheExtension) {

@@ -16,16 +16,16 @@ TEST(MountTable, ReadsTheKernelsText) {
   EXPECT_EQ(parseMountInfo("28 1 254:0 / / rw,relatime shared:1 - ext4 /dev/vda1 rw,errors=remount-ro\n"
                            "29 28 0:5 / /media/ada/My\\040Disk\\012\\134 ro,nosuid - ext4 /dev/sdb1 rw\n"
                            "30 28 0:6 / /srv rw shared:2 master:1 propagate_from:3 - btrfs /dev/sdc ro,space_cache"),
-            (std::vector<Mount>{{28, "/", "ext4", MountKind::local, false},
-                                {29, "/media/ada/My Disk\n\\", "ext4", MountKind::local, true},
-                                {30, "/srv", "btrfs", MountKind::local, true}}));
+            (std::vector<Mount>{{28, "/", "ext4", MountKind::local},
+                                {29, "/media/ada/My Disk\n\\", "ext4", MountKind::local},
+                                {30, "/srv", "btrfs", MountKind::local}}));
 }
 
 TEST(MountTable, LeavesOutLinesThatAreBroken) {
   for (const char* line : {"", "28", "x 1 0:1 / / rw - ext4 d rw", "28 1 0:1 / / rw shared:1", "28 1 0:1 / / rw -",
                            "28 1 0:1 / relative rw - ext4 d rw", "28x 1 0:1 / / rw - ext4 d rw", "- - - - - - -"}) {
     const auto mounts = parseMountInfo(std::string(line) + "\n40 1 0:2 / /kept rw - xfs d rw\n" + line);
-    EXPECT_EQ(mounts, (std::vector<Mount>{{40, "/kept", "xfs", MountKind::local, false}})) << line;
+    EXPECT_EQ(mounts, (std::vector<Mount>{{40, "/kept", "xfs", MountKind::local}})) << line;
   }
   const auto odd = parseMountInfo("1 1 0:1 / /a\\04 rw - ext4 d rw\n2 1 0:1 / /b\\999\\000 rw - ext4 d rw\n");
   ASSERT_EQ(odd.size(), 2U);

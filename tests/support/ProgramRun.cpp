@@ -12,8 +12,9 @@
 
 #include <array>
 #include <chrono>
-#include <fstream>
-#include <sstream>
+#include <cstdint>
+
+#include "support/TemporaryHome.h"
 
 namespace lumenary {
 namespace {
@@ -49,6 +50,14 @@ std::string allOf(const Descriptor& file) {
 }
 
 Descriptor memoryFile() { return Descriptor(::memfd_create("output", MFD_CLOEXEC)); }
+
+/// The set of blocked signals, as the kernel tells it: "SigBlk:" and a number of 16 hexadecimal digits.
+std::uint64_t blockedSignals(pid_t process, pid_t thread) {
+  const std::string status =
+      contentsOf("/proc/" + std::to_string(process) + "/task/" + std::to_string(thread) + "/status");
+  const std::size_t line = status.find("SigBlk:");
+  return line == std::string::npos ? 0 : std::stoull(status.substr(line + 7, 17), nullptr, 16);
+}
 
 }  // namespace
 
@@ -118,9 +127,9 @@ TracedProgram::Stop TracedProgram::next() {
   Stop stop;
   stop.thread = ::waitpid(-1, &stop.waitStatus, __WALL);
   const int event = WIFSTOPPED(stop.waitStatus) ? stop.waitStatus >> 16 : 0;
-  if (!WIFSTOPPED(stop.waitStatus)) {
-    stop.kind = stop.thread == program_ ? Stop::Kind::programEnded : Stop::Kind::threadEnded;
-    hasEnded_ = hasEnded_ || stop.thread == program_;
+  if (!WIFSTOPPED(stop.waitStatus) && stop.thread == program_) {
+    stop.kind = Stop::Kind::programEnded;
+    hasEnded_ = true;
   } else if (event == PTRACE_EVENT_EXIT && stop.thread == program_) {
     stop.kind = Stop::Kind::programEnds;
   } else if (event == PTRACE_EVENT_CLONE) {
@@ -140,11 +149,7 @@ void TracedProgram::resume(const Stop& stop) {
   ::ptrace(PTRACE_CONT, stop.thread, nullptr, isSignal ? WSTOPSIG(stop.waitStatus) : 0);
 }
 
-std::string TracedProgram::maps() const {
-  std::ostringstream text;
-  text << std::ifstream("/proc/" + std::to_string(program_) + "/maps").rdbuf();
-  return text.str();
-}
+std::string TracedProgram::maps() const { return contentsOf("/proc/" + std::to_string(program_) + "/maps"); }
 
 std::string TracedProgram::output() const { return allOf(output_); }
 
@@ -166,5 +171,15 @@ std::string TracedProgram::awaitOnTerminal(const std::string& text) {
 std::string TracedProgram::restOfTerminal() { return awaitOnTerminal(std::string(1, '\0')); }
 
 void TracedProgram::pressControlC() { static_cast<void>(::write(terminal_.number(), "\x03", 1)); }
+
+bool TracedProgram::awaitUnblocked(pid_t thread, int signal) const {
+  const std::uint64_t bit = std::uint64_t{1} << (signal - 1);
+  const auto giveUp = std::chrono::steady_clock::now() + patience;
+  bool isBlocked = true;
+  while (isBlocked && std::chrono::steady_clock::now() < giveUp) {
+    isBlocked = (blockedSignals(program_, thread) & bit) != 0;
+  }
+  return !isBlocked;
+}
 
 }  // namespace lumenary

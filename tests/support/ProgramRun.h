@@ -35,7 +35,7 @@ class TracedProgram {
 
   /// What a stop of one of the threads was for.
   struct Stop {
-    enum class Kind { threadMade, threadBegins, threadEnded, programEnds, programEnded, other } kind = Kind::other;
+    enum class Kind { threadMade, threadBegins, programEnds, programEnded, other } kind = Kind::other;
     pid_t thread = 0;
     pid_t made = 0;  ///< the new thread, where one was made
     int waitStatus = 0;
@@ -52,6 +52,8 @@ class TracedProgram {
   /// All that the terminal still holds after the program has ended.
   std::string restOfTerminal();
   void pressControlC();
+  /// Waits until a thread lets a signal through; false where it goes on blocking it.
+  bool awaitUnblocked(pid_t thread, int signal) const;
 
  private:
   Descriptor terminal_;

@@ -62,7 +62,7 @@ std::expected<std::string, std::string> folderToScan(const Options& options, con
 }
 
 void tellWhatIsLeft(const TrashRun& run, std::size_t selected, Terminal& terminal) {
-  if (!run.isRecordSaved) {
+  if (run.isRecordPending) {
     terminal.writeError("The record of this run could not be saved yet. It is kept and saved at the next run.\n");
   }
   if (const std::size_t left = selected - run.attempted; left > 0) {

@@ -26,14 +26,16 @@ std::expected<std::string, std::string> rootFolder(const FileReader& reader, std
   if (expanded.empty()) {
     return std::unexpected(expanded);
   }
-  // Looked at before it is standardised: taking "link/.." away could lead to another folder than the one that was
-  // named.
+  // Looked at before and after it is standardised: taking "link/.." away could lead to another folder than the one that
+  // was named.
   const std::string path = absolutePath(reader, expanded);
-  const auto attributes = reader.attributes(path, LinkPolicy::follow);
-  if (!attributes || attributes->identity.kind != FileKind::folder) {
-    return std::unexpected(standardise(path));
+  const auto asNamed = reader.attributes(path, LinkPolicy::follow);
+  std::string standardised = standardise(path);
+  const auto found = reader.attributes(standardised, LinkPolicy::follow);
+  if (!asNamed || asNamed->identity.kind != FileKind::folder || !found || found->identity != asNamed->identity) {
+    return std::unexpected(std::move(standardised));
   }
-  return standardise(path);
+  return standardised;
 }
 
 }  // namespace lumenary::CleanupCommand

@@ -15,74 +15,20 @@ namespace {
 
 using Item = CleanupTransaction::Item;
 
-constexpr auto source = CleanupTransaction::Source::buildCleanup;
-
-MoveResult resultOf(const std::expected<TrashedItem, CleanupRefusal>& moved) {
-  if (!moved) {
-    return std::unexpected(description(moved.error()));
-  }
-  if (moved->trashPath.empty()) {
-    return std::nullopt;
-  }
-  return FileURL{.path = moved->trashPath, .isFolder = true};
+MoveResult resultOf(const CleanupOutcome& outcome) {
+  return outcome.success ? MoveResult(outcome.trashURL) : std::unexpected(outcome.message);
 }
 
 /// A move without a known place can't be undone from here, so the log doesn't claim one.
-Item itemOf(const CleanupCandidate& candidate, const UUID& id, const MoveResult& result) {
-  const std::optional<FileURL> trashURL = result.value_or(std::nullopt);
-  return {.id = id,
+Item itemOf(const CleanupCandidate& candidate, const CleanupOutcome& outcome) {
+  return {.id = outcome.id,
           .originalURL = candidate.url,
-          .trashURL = trashURL,
+          .trashURL = outcome.trashURL,
           .measuredBytes = candidate.byteCount,
           .ruleID = developerRuleID(candidate.url),
-          .outcome = trashURL ? Item::Outcome::movedToTrash : Item::Outcome::failed,
-          .message = result ? "Moved to Trash" : result.error()};
+          .outcome = outcome.trashURL ? Item::Outcome::movedToTrash : Item::Outcome::failed,
+          .message = outcome.message};
 }
-
-/// The moves of one run, and the transaction that tells of them.
-class Moves {
- public:
-  Moves(const CleanupCoordinator& coordinator, CleanupJournal& journal)
-      : coordinator_(coordinator), journal_(journal) {}
-
-  MoveResult moveToTrash(const CleanupCandidate& candidate) {
-    const UUID id = UUID::random();
-    CleanupJournal::Recorder recorder(journal_, {.act = JournalEntry::Act::move,
-                                                 .transactionID = transactionID_,
-                                                 .itemID = id,
-                                                 .source = source,
-                                                 .ruleID = developerRuleID(candidate.url),
-                                                 .measuredBytes = candidate.byteCount,
-                                                 .intent = {}});
-    const auto moved = coordinator_.moveToTrash(candidate, recorder);
-    if (!(moved ? moved->isSettled : isSettled(moved.error()))) {
-      journal_.keepForRecovery();
-    }
-    MoveResult result = resultOf(moved);
-    items_.push_back(itemOf(candidate, id, result));
-    return result;
-  }
-
-  /// True once the log tells of every move that was tried; until then the journal stays.
-  bool record(ScanStore& store, Date now) {
-    if (items_.empty()) {
-      return true;
-    }
-    const CleanupTransaction transaction{
-        .id = transactionID_, .timestamp = now, .source = source, .items = std::move(items_)};
-    const bool isSaved = store.appendCleanupTransaction(transaction).isSaved;
-    if (isSaved) {
-      journal_.finish();
-    }
-    return isSaved;
-  }
-
- private:
-  const CleanupCoordinator& coordinator_;
-  CleanupJournal& journal_;
-  const UUID transactionID_ = UUID::random();
-  std::vector<Item> items_;
-};
 
 }  // namespace
 
@@ -96,15 +42,25 @@ TrashRun moveToTrash(std::span<const CleanupCandidate> selected, Platform& platf
 
   const CleanupCoordinator coordinator(*platform.reader, *platform.trash, platform.places);
   CleanupJournal journal(*platform.files, platform.places.support);
-  Moves moves(coordinator, journal);
+  CleanupTransaction transaction{
+      .id = UUID::random(), .timestamp = {}, .source = CleanupTransaction::Source::buildCleanup, .items = {}};
   const std::stop_token stop = platform.interruption->token();
   while (run.attempted < selected.size() && !stop.stop_requested()) {
     const CleanupCandidate& candidate = selected[run.attempted++];
-    run.results.insert_or_assign(candidate.url.path, moves.moveToTrash(candidate));
+    const CleanupOutcome outcome = coordinator.moveToTrash(candidate, transaction.id, journal);
+    transaction.items.push_back(itemOf(candidate, outcome));
+    run.results.insert_or_assign(candidate.url.path, resultOf(outcome));
   }
   platform.trash->writeSizes();
-  // Without a home nothing has moved, and there is no place for a record.
-  run.isRecordSaved = !platform.places.support.empty() && moves.record(store, platform.now());
+  if (run.attempted == 0) {
+    return run;
+  }
+  transaction.timestamp = platform.now();
+  if (store.appendCleanupTransaction(transaction).isSaved) {
+    journal.finish();
+  } else {
+    run.isRecordPending = journal.isBegun();
+  }
   return run;
 }
 

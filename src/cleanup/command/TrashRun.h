@@ -11,8 +11,8 @@ namespace lumenary::CleanupCommand {
 
 struct TrashRun {
   MoveResults results;
-  std::size_t attempted = 0;  ///< so many of the selected, from the first on; fewer than all after a stop request
-  bool isRecordSaved = true;
+  std::size_t attempted = 0;     ///< so many of the selected, from the first on; fewer than all after a stop request
+  bool isRecordPending = false;  ///< something moved, and the log doesn't tell it before the next run
 };
 
 /// Moves the selected folders one by one and adds one transaction to the log. A folder that can't go stops nothing. A

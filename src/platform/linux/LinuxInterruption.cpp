@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <system_error>
 
 namespace lumenary {
 namespace {
@@ -26,14 +27,19 @@ sigset_t signalsToTake() {
 }  // namespace
 
 LinuxInterruption::LinuxInterruption() {
-  const sigset_t taken = signalsToTake();
-  signals_ = Descriptor(::signalfd(-1, &taken, SFD_CLOEXEC));
+  taken_ = signalsToTake();
+  signals_ = Descriptor(::signalfd(-1, &taken_, SFD_CLOEXEC));
   end_ = Descriptor(::eventfd(0, EFD_CLOEXEC));
   ::pthread_sigmask(SIG_SETMASK, nullptr, &formerMask_);
-  // Without the descriptors the signals keep their effect: the process simply ends.
-  if (signals_ && end_) {
-    ::pthread_sigmask(SIG_BLOCK, &taken, nullptr);
+  // Without the descriptors or a thread the signals keep their effect: the process simply ends.
+  if (!signals_ || !end_) {
+    return;
+  }
+  ::pthread_sigmask(SIG_BLOCK, &taken_, nullptr);
+  try {
     listener_ = std::thread([this] { listen(); });
+  } catch (const std::system_error&) {
+    ::pthread_sigmask(SIG_SETMASK, &formerMask_, nullptr);
   }
 }
 
@@ -55,6 +61,11 @@ void LinuxInterruption::listen() {
       ::read(signals_.number(), &taken, sizeof taken) == static_cast<ssize_t>(sizeof taken)) {
     signal_ = static_cast<int>(taken.ssi_signo);
     stop_.request_stop();
+    // This thread takes the next one, with its plain effect: a person who insists isn't kept waiting by a disk that
+    // doesn't answer.
+    ::pthread_sigmask(SIG_UNBLOCK, &taken_, nullptr);
+    while (::poll(&sources[1], 1, -1) < 0) {
+    }
   }
 }
 

@@ -11,7 +11,8 @@
 namespace lumenary {
 
 /// SIGINT, SIGTERM and SIGHUP, but those that the process was told to ignore. They are blocked in the thread that makes
-/// the value, and so in all that it starts later; one thread of its own sleeps until the first of them comes.
+/// the value, and so in all that it starts later; one thread of its own sleeps until the first of them comes. A second
+/// one ends the process at once.
 class LinuxInterruption final : public Interruption {
  public:
   LinuxInterruption();
@@ -26,6 +27,7 @@ class LinuxInterruption final : public Interruption {
  private:
   void listen();
 
+  sigset_t taken_{};
   sigset_t formerMask_{};
   Descriptor signals_;
   Descriptor end_;

@@ -46,15 +46,6 @@ std::string_view takeUpTo(std::string_view& text, char separator) {
   return taken;
 }
 
-bool hasOption(std::string_view options, std::string_view wanted) {
-  while (!options.empty()) {
-    if (takeUpTo(options, ',') == wanted) {
-      return true;
-    }
-  }
-  return false;
-}
-
 /// The kernel writes a blank, tab, line break and backslash as a backslash and three octal digits.
 std::string unescaped(std::string_view field) {
   std::string bytes;
@@ -82,18 +73,15 @@ std::optional<Mount> parseLine(std::string_view line) {
   takeUpTo(line, ' ');  // the device
   takeUpTo(line, ' ');  // the folder of that file system that is mounted
   mount.point = unescaped(takeUpTo(line, ' '));
-  const std::string_view options = takeUpTo(line, ' ');
+  takeUpTo(line, ' ');  // the mount's options
   // Optional fields follow, as many as the kernel likes, up to a lone hyphen.
   while (!line.empty() && takeUpTo(line, ' ') != "-") {
   }
   mount.type = unescaped(takeUpTo(line, ' '));
-  takeUpTo(line, ' ');  // the source
-  const std::string_view fileSystemOptions = takeUpTo(line, ' ');
   if (!mount.point.starts_with('/') || mount.type.empty()) {
     return {};
   }
   mount.kind = kindOfType(mount.type);
-  mount.isReadOnly = hasOption(options, "ro") || hasOption(fileSystemOptions, "ro");
   return mount;
 }
 

@@ -18,9 +18,6 @@ constexpr std::size_t longestName = 255;
 constexpr std::size_t shortestLimit = 32;
 constexpr std::size_t infoFileLimit = 64 * 1024;
 
-/// An info file of an act that died is as old as its intent; a younger one belongs to somebody else.
-constexpr std::int64_t settleWindowSeconds = 60;
-
 std::string infoName(std::string_view name) { return std::string(name).append(infoSuffix); }
 
 TrashError refuse(TrashRefusal refusal, SystemError cause = {}, bool isSettled = true) {
@@ -67,19 +64,9 @@ TrashRefusal recordRefusal(const SystemError& cause) {
   return cause.isNoSpace() ? TrashRefusal::noSpace : TrashRefusal::recordUnwritable;
 }
 
-/// Device numbers may change with a restart of the machine, inode numbers don't.
-bool isSameThing(const FileIdentity& a, const FileIdentity& b) { return a.inode == b.inode && a.kind == b.kind; }
-
 Date now() { return std::chrono::floor<Date::duration>(std::chrono::system_clock::now()); }
 
 }  // namespace
-
-/// What an info file says. `info` has no value where the file is missing or damaged.
-struct LinuxTrash::RecordedInfo {
-  bool exists = false;
-  std::optional<TrashInfo> info{};
-  std::int64_t modifiedSeconds = 0;
-};
 
 /// How one attempt under one name ended.
 struct LinuxTrash::Attempt {
@@ -87,8 +74,6 @@ struct LinuxTrash::Attempt {
   TrashError error{};
   bool isSettled = true;
 };
-
-// The move
 
 std::expected<TrashedItem, TrashError> LinuxTrash::move(const OpenedItem& item, std::int64_t allocatedBytes,
                                                         IntentRecorder& recorder) {
@@ -225,8 +210,6 @@ bool LinuxTrash::removeInfo(const TrashFolder& trash, const std::string& name) {
   return removed || removed.error().isMissing();
 }
 
-// The way back
-
 std::expected<TrashedItem, TrashError> LinuxTrash::putBack(const std::string& trashPath,
                                                            const std::string& originalPath, IntentRecorder& recorder) {
   const auto mounts = mountTable_.mounts();
@@ -286,67 +269,6 @@ LinuxTrash::RecordedInfo LinuxTrash::readInfo(const TrashFolder& trash, const st
           .info = text ? parseTrashInfo(*text) : std::nullopt,
           .modifiedSeconds = status ? status->modifiedSeconds : 0};
 }
-
-// After a crash
-
-ActState LinuxTrash::settle(const TrashIntent& intent) {
-  const auto mounts = mountTable_.mounts();
-  if (!mounts) {
-    return ActState::unknown;
-  }
-  const auto origin = openItem(reader_, intent.originalPath);
-  const bool isAtOrigin = origin && isSameThing(origin->identity, intent.identity);
-  const auto trash = folders_.openHolding(intent.trashPath, *mounts);
-  if (!trash) {
-    // Without its Trash nothing can be left there. Where neither place can be read, nothing is known.
-    const bool isTrashGone = trash.error().isMissing();
-    return isAtOrigin ? ActState::atOrigin : isTrashGone ? ActState::neither : ActState::unknown;
-  }
-  const std::string name(lastPathComponent(intent.trashPath));
-  const auto inTrash = statusAt(kernel_, trash->files, name.c_str());
-  const bool isInTrash = inTrash && isSameThing(inTrash->identity, intent.identity);
-  if (isAtOrigin && isInTrash && inTrash->linkCount > 1 && inTrash->identity.kind != FileKind::folder) {
-    // A file that died between its two names: the second one goes, the file stays.
-    static_cast<void>(removeFile(kernel_, trash->files, name.c_str()));
-  }
-  if (isAtOrigin) {
-    return settleInfoOfAbsent(*trash, name, intent);
-  }
-  if (isInTrash) {
-    return settleInfoOfPresent(*trash, name, intent);
-  }
-  const bool isKnown = (origin || origin.error().isMissing()) && (inTrash || inTrash.error().isMissing());
-  return isKnown ? ActState::neither : ActState::unknown;
-}
-
-/// Removes the info file that the act left for an item that isn't in the Trash.
-ActState LinuxTrash::settleInfoOfAbsent(const TrashFolder& trash, const std::string& name, const TrashIntent& intent) {
-  if (statusAt(kernel_, trash.files, name.c_str())) {
-    return ActState::atOrigin;  // another item has the name; the info file is that one's
-  }
-  const RecordedInfo recorded = readInfo(trash, name);
-  const auto intentSeconds = std::chrono::floor<std::chrono::seconds>(intent.date).time_since_epoch().count();
-  const bool isOurs = recorded.exists && recorded.modifiedSeconds <= intentSeconds + settleWindowSeconds &&
-                      (!recorded.info || originOf(*recorded.info, trash.top) == intent.originalPath);
-  if (isOurs && !removeInfo(trash, name)) {
-    return ActState::unknown;
-  }
-  return ActState::atOrigin;
-}
-
-/// Writes the info file again where the crash lost it.
-ActState LinuxTrash::settleInfoOfPresent(const TrashFolder& trash, const std::string& name, const TrashIntent& intent) {
-  const RecordedInfo recorded = readInfo(trash, name);
-  if (recorded.info) {
-    return ActState::inTrash;
-  }
-  if (!removeInfo(trash, name) || !writeInfo(trash, name, intent.originalPath, intent.date)) {
-    return ActState::unknown;
-  }
-  return ActState::inTrash;
-}
-
-// The list of sizes
 
 void LinuxTrash::noteSize(const TrashFolder& trash, const std::string& name, std::int64_t allocatedBytes) {
   const auto info = statusAt(kernel_, trash.info, infoName(name).c_str());

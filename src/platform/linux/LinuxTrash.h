@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 
 #include "platform/FileReader.h"
@@ -10,6 +12,7 @@
 #include "platform/Trash.h"
 #include "platform/linux/ExclusiveMove.h"
 #include "platform/linux/TrashFolder.h"
+#include "platform/linux/TrashInfo.h"
 #include "platform/linux/TrashSizes.h"
 
 namespace lumenary {
@@ -31,7 +34,12 @@ class LinuxTrash final : public Trash {
   void writeSizes() override;
 
  private:
-  struct RecordedInfo;
+  /// What an info file says. `info` has no value where the file is missing or damaged.
+  struct RecordedInfo {
+    bool exists = false;
+    std::optional<TrashInfo> info{};
+    std::int64_t modifiedSeconds = 0;
+  };
   struct Attempt;
 
   std::expected<void, TrashError> checkPermission(const OpenedItem& item);

@@ -53,22 +53,18 @@ std::optional<TrashInfo> parseTrashInfo(std::string_view text) {
     return std::nullopt;
   }
   constexpr std::string_view pathKey = "Path=";
-  constexpr std::string_view dateKey = "DeletionDate=";
   std::optional<std::string_view> path;
-  std::optional<std::string_view> date;
   while (!text.empty()) {
     const std::string_view line = takeLine(text);
     if (!path && line.starts_with(pathKey)) {
       path = line.substr(pathKey.size());
-    } else if (!date && line.starts_with(dateKey)) {
-      date = line.substr(dateKey.size());
     }
   }
   auto decoded = percentDecoded(path.value_or(""));
   if (!decoded || decoded->empty() || climbs(*decoded)) {
     return std::nullopt;
   }
-  return TrashInfo{.path = *std::move(decoded), .deletionDate = std::string(date.value_or(""))};
+  return TrashInfo{.path = *std::move(decoded)};
 }
 
 std::optional<std::string> originOf(const TrashInfo& info, std::string_view top) {

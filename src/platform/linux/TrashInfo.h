@@ -10,8 +10,7 @@
 namespace lumenary {
 
 struct TrashInfo {
-  std::string path;          ///< where the item stood, bytes: absolute, or relative to the top of the Trash's volume
-  std::string deletionDate;  ///< "YYYY-MM-DDThh:mm:ss" in local time, as it stands in the file
+  std::string path;  ///< where the item stood, bytes: absolute, or relative to the top of the Trash's volume
 
   bool operator==(const TrashInfo&) const = default;
 };
