@@ -8,8 +8,8 @@
 
 namespace lumenary {
 
-/// The items by `key`, smallest first; equal ones keep their order. (std::stable_sort of the C++ library in use can't be
-/// compiled without a warning.)
+/// The items by `key`, smallest first; equal ones keep their order. (std::stable_sort of the C++ library in use can't
+/// be compiled without a warning.)
 template <class Item, class Key>
 std::vector<Item> stableSorted(std::vector<Item> items, Key key) {
   std::vector<std::size_t> order(items.size());

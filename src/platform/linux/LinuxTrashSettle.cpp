@@ -25,7 +25,10 @@ ActState LinuxTrash::settle(const TrashIntent& intent) {
   if (!trash) {
     // Without its Trash nothing can be left there. Where neither place can be read, nothing is known.
     const bool isTrashGone = trash.error().isMissing();
-    return isAtOrigin ? ActState::atOrigin : isTrashGone ? ActState::neither : ActState::unknown;
+    if (isAtOrigin) {
+      return ActState::atOrigin;
+    }
+    return isTrashGone ? ActState::neither : ActState::unknown;
   }
   const std::string name(lastPathComponent(intent.trashPath));
   const auto inTrash = statusAt(kernel_, trash->files, name.c_str());

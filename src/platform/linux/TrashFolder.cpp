@@ -27,6 +27,15 @@ TrashError errorOf(const SystemError& cause) {
   return {.refusal = cause.isNoSpace() ? TrashRefusal::noSpace : TrashRefusal::noTrash, .cause = cause};
 }
 
+/// By the kernel's id where it tells one; by the path on older kernels.
+const Mount* mountOf(const std::vector<Mount>& mounts, std::string_view path, std::uint64_t mountID) {
+  if (mountID == 0) {
+    return mountHolding(mounts, path);
+  }
+  const auto found = std::ranges::find(mounts, mountID, &Mount::id);
+  return found == mounts.end() ? nullptr : &*found;
+}
+
 std::expected<TrashFolder, TrashError> withSentence(SystemResult<TrashFolder> trash) {
   if (trash) {
     return *std::move(trash);
@@ -161,11 +170,7 @@ std::expected<TrashFolder, TrashError> TrashFolders::openFor(const OpenedItem& i
   if (*isHome) {
     return withSentence(openHome(Missing::make));
   }
-  const auto ofItem = [&](const Mount& mount) { return mount.id == status->mountID; };
-  const auto found = std::ranges::find_if(mounts, ofItem);
-  const Mount* mount = status->mountID == 0    ? mountHolding(mounts, item.path)
-                       : found != mounts.end() ? &*found
-                                               : nullptr;
+  const Mount* mount = mountOf(mounts, item.path, status->mountID);
   if (mount == nullptr || !isSameOrInside(item.path, mount->point)) {
     return std::unexpected(TrashError{.refusal = TrashRefusal::noTrash});
   }
