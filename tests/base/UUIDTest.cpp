@@ -25,7 +25,7 @@ TEST(UUIDTest, anythingElseIsNoUUID) {
 
 TEST(UUIDTest, randomOnesDifferInEachByteAndCarryVersionAndVariant) {
   std::array<std::set<std::uint8_t>, 16> seen;
-  for (int i = 0; i < 100; ++i) {
+  for (int count = 0; count < 100; ++count) {
     const UUID uuid = UUID::random();
     EXPECT_EQ(uuid.bytes[6] >> 4, 4);
     EXPECT_EQ(uuid.bytes[8] >> 6, 2);

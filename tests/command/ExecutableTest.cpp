@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <map>
@@ -83,6 +84,15 @@ TEST_F(Executable, TellsAFolderThatStays) {
   EXPECT_TRUE(ended.exitedWith(1)) << ended.waitStatus;
   EXPECT_NE(ended.output.find("  (not moved: "), std::string::npos) << ended.output;
   EXPECT_TRUE(standsAt(home.path("Code/app/node_modules/a.js")));
+}
+
+TEST_F(Executable, TellsThatItHasNoOutput) {
+  const ProgramRun ended = runProgram(home.root(), {"cleanup", "--root", home.path("Code")}, [] {
+    ::close(STDIN_FILENO);
+    ::close(STDOUT_FILENO);
+  });
+  EXPECT_TRUE(ended.exitedWith(1)) << ended.waitStatus;
+  EXPECT_EQ(ended.errors, "The list could not be written.\n");
 }
 
 #ifndef LUMENARY_UNDER_SANITIZER

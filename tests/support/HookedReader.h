@@ -17,54 +17,43 @@ class HookedReader final : public FileReader {
   /// What is about to be read: the path or name asked for, empty where the call takes only a descriptor. An error that
   /// comes back is the answer to the call.
   using Hook = std::function<std::optional<SystemError>(Call, std::string_view)>;
-
   using Alteration = std::function<void(std::string_view, FileAttributes&)>;
 
-  HookedReader(const FileReader& real, Hook hook, Alteration alter = {})
+  HookedReader(
+      const FileReader& real, Hook hook, Alteration alter = [](std::string_view, FileAttributes&) {})
       : real_(real), hook_(std::move(hook)), alter_(std::move(alter)) {}
 
   SystemResult<Descriptor> openFolder(std::string_view path, LinkPolicy links) const override {
-    if (const auto error = hook_(Call::openFolder, path)) {
-      return std::unexpected(*error);
-    }
-    return real_.openFolder(path, links);
+    return hooked(Call::openFolder, path, [&] { return real_.openFolder(path, links); });
   }
   SystemResult<Descriptor> openFolder(const Descriptor& parent, const char* name) const override {
-    if (const auto error = hook_(Call::openFolder, name)) {
-      return std::unexpected(*error);
-    }
-    return real_.openFolder(parent, name);
+    return hooked(Call::openFolder, name, [&] { return real_.openFolder(parent, name); });
   }
   SystemResult<std::span<const FolderEntry>> nextEntries(const Descriptor& folder,
                                                          FolderScratch& scratch) const override {
-    if (const auto error = hook_(Call::nextEntries, "")) {
-      return std::unexpected(*error);
-    }
-    return real_.nextEntries(folder, scratch);
+    return hooked(Call::nextEntries, "", [&] { return real_.nextEntries(folder, scratch); });
   }
   SystemResult<FileAttributes> attributes(const Descriptor& folder, const char* name) const override {
-    if (const auto error = hook_(Call::attributes, name)) {
-      return std::unexpected(*error);
-    }
-    return altered(name, real_.attributes(folder, name));
+    return alteredAfter(name, [&] { return real_.attributes(folder, name); });
   }
   SystemResult<FileAttributes> attributes(const Descriptor& folder) const override {
-    if (const auto error = hook_(Call::attributes, "")) {
-      return std::unexpected(*error);
-    }
-    return altered("", real_.attributes(folder));
+    return alteredAfter("", [&] { return real_.attributes(folder); });
   }
   SystemResult<FileAttributes> attributes(std::string_view path, LinkPolicy links) const override {
-    if (const auto error = hook_(Call::attributes, path)) {
-      return std::unexpected(*error);
-    }
-    return altered(path, real_.attributes(path, links));
+    return alteredAfter(path, [&] { return real_.attributes(path, links); });
   }
   SystemResult<std::string> realPath(std::string_view path) const override { return real_.realPath(path); }
 
  private:
-  SystemResult<FileAttributes> altered(std::string_view name, SystemResult<FileAttributes> found) const {
-    if (found && alter_) {
+  auto hooked(Call call, std::string_view name, auto read) const -> decltype(read()) {
+    if (const auto error = hook_(call, name)) {
+      return std::unexpected(*error);
+    }
+    return read();
+  }
+  SystemResult<FileAttributes> alteredAfter(std::string_view name, auto read) const {
+    auto found = hooked(Call::attributes, name, read);
+    if (found) {
       alter_(name, *found);
     }
     return found;

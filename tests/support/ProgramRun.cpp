@@ -22,7 +22,7 @@ namespace {
 constexpr int cannotTrace = 77;
 constexpr auto patience = std::chrono::seconds(60);
 
-/// Replaces the child process by the program; nothing is allocated between the fork and here but by this thread.
+/// Replaces this process by the program.
 [[noreturn]] void becomeProgram(const std::string& home, const std::vector<std::string>& arguments) {
   std::vector<std::string> texts = {LUMENARY_EXECUTABLE};
   texts.insert(texts.end(), arguments.begin(), arguments.end());
@@ -65,13 +65,15 @@ bool ProgramRun::exitedWith(int status) const { return WIFEXITED(waitStatus) && 
 
 bool ProgramRun::wasKilledBy(int signal) const { return WIFSIGNALED(waitStatus) && WTERMSIG(waitStatus) == signal; }
 
-ProgramRun runProgram(const std::string& home, const std::vector<std::string>& arguments) {
+ProgramRun runProgram(const std::string& home, const std::vector<std::string>& arguments,
+                      const std::function<void()>& prepare) {
   const Descriptor output = memoryFile();
   const Descriptor errors = memoryFile();
   const pid_t program = ::fork();
   if (program == 0) {
     ::dup2(output.number(), STDOUT_FILENO);
     ::dup2(errors.number(), STDERR_FILENO);
+    prepare();
     becomeProgram(home, arguments);
   }
   ProgramRun run;

@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -19,8 +20,10 @@ struct ProgramRun {
   bool wasKilledBy(int signal) const;
 };
 
-/// Runs the program to its end in the given home folder, with no other variable of the environment.
-ProgramRun runProgram(const std::string& home, const std::vector<std::string>& arguments);
+/// Runs the program to its end in the given home folder, in an environment of the test's own. `prepare` runs in the new
+/// process before.
+ProgramRun runProgram(
+    const std::string& home, const std::vector<std::string>& arguments, const std::function<void()>& prepare = [] {});
 
 /// The program under a tracer, on a terminal of its own that shows its error output. Its output goes to a file.
 class TracedProgram {

@@ -6,10 +6,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "base/Date.h"
-#include "platform/Descriptor.h"
 
 namespace lumenary {
 
@@ -31,26 +29,30 @@ struct TreeEntry {
   enum class Kind : std::uint8_t { folder, file, link, hardLink };
 
   /// A folder where the path ends in a slash, otherwise an empty file.
-  TreeEntry(std::string_view treePath, std::optional<Date> date = {});
+  TreeEntry(std::string_view at, std::optional<Date> date = {})
+      : path(at), kind(at.ends_with('/') ? Kind::folder : Kind::file), modified(date) {}
   /// A file of that many bytes that aren't zero, so that the disk really holds them.
-  TreeEntry(std::string_view treePath, int byteCount, std::optional<Date> date = {});
-  TreeEntry(std::string_view treePath, Content content, std::optional<Date> date = {});
-  TreeEntry(std::string_view treePath, LinkTo link, std::optional<Date> date = {});
-  TreeEntry(std::string_view treePath, HardLinkTo link);
+  TreeEntry(std::string_view at, int byteCount, std::optional<Date> date = {})
+      : path(at), data(static_cast<std::size_t>(byteCount), 'x'), modified(date) {}
+  TreeEntry(std::string_view at, Content content, std::optional<Date> date = {})
+      : path(at), data(content.bytes), modified(date) {}
+  TreeEntry(std::string_view at, LinkTo link, std::optional<Date> date = {})
+      : path(at), kind(Kind::link), data(link.target), modified(date) {}
+  TreeEntry(std::string_view at, HardLinkTo link) : path(at), kind(Kind::hardLink), data(link.path) {}
 
-  std::string path;  ///< below the tree's root, any bytes, any length
+  std::string path;  ///< below the tree's root, any bytes
   Kind kind = Kind::file;
   std::string data;  ///< a file's bytes, a link's target, or the path of the hard link's other name
   std::optional<Date> modified;
 };
 
 /// A folder of its own for one test, with no link in its path, removed with all that is in it when the value goes:
-/// closed folders and chains longer than any path included. TMPDIR says where, if it is set. What can't be built ends
-/// the test program.
+/// closed folders and chains longer than any path included. TMPDIR says where, if it is set. What can't be built
+/// throws.
 class TemporaryTree {
  public:
   TemporaryTree();
-  TemporaryTree(std::initializer_list<TreeEntry> entries);
+  TemporaryTree(std::initializer_list<TreeEntry> entries) : TemporaryTree() { build(entries); }
   ~TemporaryTree();
   TemporaryTree(const TemporaryTree&) = delete;
   TemporaryTree& operator=(const TemporaryTree&) = delete;
@@ -61,8 +63,7 @@ class TemporaryTree {
 
   /// Makes the entries in order, and the folders around them where they are missing. An existing file is written anew.
   void build(std::initializer_list<TreeEntry> entries);
-  /// Makes `depth` folders inside one another, each called "d" and each holding the entries (which stand directly in
-  /// it).
+  /// Makes `depth` folders inside one another, each called "d" and each holding the entries.
   void buildChain(std::size_t depth, std::initializer_list<TreeEntry> inEachFolder);
 
   void remove(std::string_view relative);
@@ -76,8 +77,9 @@ class TemporaryTree {
   std::int64_t allocatedBytes(std::initializer_list<std::string_view> relatives) const;
 
  private:
+  void make(const std::string& made, const TreeEntry& entry);
+
   std::string root_;
-  Descriptor folder_;
 };
 
 }  // namespace lumenary
