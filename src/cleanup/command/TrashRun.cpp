@@ -34,7 +34,8 @@ Item itemOf(const CleanupCandidate& candidate, const CleanupOutcome& outcome) {
 
 TrashRun moveToTrash(std::span<const CleanupCandidate> selected, Platform& platform) {
   TrashRun run;
-  if (selected.empty()) {
+  // What an earlier run left is put right even where nothing is left to move.
+  if (selected.empty() && !platform.files->names(CleanupJournal::folder(platform.places.support))) {
     return run;
   }
   ScanStore store(*platform.files, platform.places.support);

@@ -26,12 +26,15 @@ class LinuxGrowingFile final : public GrowingFile {
   LinuxGrowingFile(LinuxKernel& kernel, Descriptor file) : kernel_(kernel), file_(std::move(file)) {}
 
   SystemResult<void> append(std::string_view bytes) override {
+    if (isBroken_) {
+      return std::unexpected(SystemError{EIO});
+    }
     auto result = writeAndSync(kernel_, file_, bytes);
     if (result) {
       length_ += static_cast<off_t>(bytes.size());
     } else {
       // A part of a line must not run into the next one.
-      kernel_.ftruncate(file_.number(), length_);
+      isBroken_ = kernel_.ftruncate(file_.number(), length_) != 0;
     }
     return result;
   }
@@ -40,6 +43,7 @@ class LinuxGrowingFile final : public GrowingFile {
   LinuxKernel& kernel_;
   Descriptor file_;
   off_t length_ = 0;
+  bool isBroken_ = false;  ///< a part of a line could not be taken away
 };
 
 }  // namespace
@@ -128,8 +132,9 @@ SystemResult<std::unique_ptr<GrowingFile>> LinuxDurableFiles::grow(const std::st
 }
 
 bool LinuxDurableFiles::isGrowing(const std::string& path) {
-  const auto file = openPath(kernel_, path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
-  return file && kernel_.flock(file->number(), LOCK_EX | LOCK_NB) != 0;
+  // Writable, as some network file systems lock nothing else. What can't be asked is left alone.
+  const auto file = openPath(kernel_, path, O_RDWR | O_NOFOLLOW | O_NONBLOCK);
+  return file ? kernel_.flock(file->number(), LOCK_EX | LOCK_NB) != 0 : !file.error().isMissing();
 }
 
 }  // namespace lumenary

@@ -88,6 +88,14 @@ std::expected<TrashedItem, TrashError> LinuxTrash::move(const OpenedItem& item, 
   if (auto allowed = checkPermission(item); !allowed) {
     return std::unexpected(allowed.error());
   }
+  // The item was looked at for a while: its folder must still be the one that its path leads to, or the record would be
+  // of another place.
+  const auto parentNow = reader_.openFolder(parentPath(item.path), LinkPolicy::refuse);
+  const auto statusNow = parentNow ? statusOf(kernel_, *parentNow) : std::unexpected(parentNow.error());
+  const auto statusThen = statusOf(kernel_, item.parent);
+  if (!statusNow || !statusThen || statusNow->identity != statusThen->identity) {
+    return std::unexpected(refuse(TrashRefusal::changed));
+  }
   const auto trash = folders_.openFor(item, *mounts);
   if (!trash) {
     return std::unexpected(trash.error());
@@ -178,8 +186,16 @@ LinuxTrash::Attempt LinuxTrash::attempt(const TrashFolder& trash, const OpenedIt
   }
   const MoveReport report = moveExclusively(kernel_, {item.parent, item.name}, {trash.files, name}, item.identity);
   if (report.result == MoveResult::moved) {
-    const bool isSynced = sync(kernel_, trash.files) && sync(kernel_, item.parent);
+    // Somebody who empties the Trash meanwhile may take the info file for a left one.
+    const bool hasInfo =
+        statusAt(kernel_, trash.info, infoName(name).c_str()) || writeInfo(trash, name, item.path, intent.date);
+    const bool isSynced = hasInfo && sync(kernel_, trash.files) && sync(kernel_, item.parent);
     return {.result = Result::moved, .isSettled = isSynced && report.isSettled};
+  }
+  const auto atOrigin = statusAt(kernel_, item.parent, item.name.c_str());
+  if (report.result == MoveResult::failed && (!atOrigin || atOrigin->identity != item.identity)) {
+    // Perhaps it was moved after all: the info file stays until the next start has looked.
+    return {.error = refuse(refusalOf(report), report.cause, false)};
   }
   const bool isSettled = removeInfo(trash, name) && report.isSettled;
   if (report.result == MoveResult::occupied && isSettled) {
@@ -207,7 +223,7 @@ SystemResult<void> LinuxTrash::writeInfo(const TrashFolder& trash, const std::st
 /// True where no info file of that name is left.
 bool LinuxTrash::removeInfo(const TrashFolder& trash, const std::string& name) {
   const auto removed = removeFile(kernel_, trash.info, infoName(name).c_str());
-  return removed || removed.error().isMissing();
+  return removed ? sync(kernel_, trash.info).has_value() : removed.error().isMissing();
 }
 
 std::expected<TrashedItem, TrashError> LinuxTrash::putBack(const std::string& trashPath,

@@ -25,17 +25,24 @@ ActState LinuxTrash::settle(const TrashIntent& intent) {
   if (!trash) {
     // Without its Trash nothing can be left there. Where neither place can be read, nothing is known.
     const bool isTrashGone = trash.error().isMissing();
-    if (isAtOrigin) {
-      return ActState::atOrigin;
+    if (!isTrashGone) {
+      return ActState::unknown;
     }
-    return isTrashGone ? ActState::neither : ActState::unknown;
+    return isAtOrigin ? ActState::atOrigin : ActState::neither;
+  }
+  if (!trash->top.empty() && !isSameOrInside(intent.originalPath, trash->top)) {
+    return ActState::unknown;  // no line of ours: an item never leaves its volume
   }
   const std::string name(lastPathComponent(intent.trashPath));
   const auto inTrash = statusAt(kernel_, trash->files, name.c_str());
   const bool isInTrash = inTrash && isSameThing(inTrash->identity, intent.identity);
   if (isAtOrigin && isInTrash && inTrash->linkCount > 1 && inTrash->identity.kind != FileKind::folder) {
-    // A file that died between its two names: the second one goes, the file stays.
-    static_cast<void>(removeFile(kernel_, trash->files, name.c_str()));
+    // A file that died between its two names: the second one goes, the file stays. Another name of the same file may
+    // have been moved here on its own; its info file tells.
+    const RecordedInfo recorded = readInfo(*trash, name);
+    if (recorded.info && originOf(*recorded.info, trash->top) == intent.originalPath) {
+      static_cast<void>(removeFile(kernel_, trash->files, name.c_str()));
+    }
   }
   if (isAtOrigin) {
     return settleInfoOfAbsent(*trash, name, intent);
