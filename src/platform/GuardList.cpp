@@ -72,6 +72,7 @@ void GuardList::guardTree(const FileReader& reader, const std::string& path) {
   trees_.push_back(standardise(path));
   if (auto attributes = reader.attributes(path, LinkPolicy::follow)) {
     identities_.push_back(attributes->identity);
+    treeIdentities_.push_back(attributes->identity);
     // "/bin" may lead to "/usr/bin", a secret to another disk: what is guarded is where it leads.
     if (auto real = reader.realPath(path); real && *real != trees_.back()) {
       trees_.push_back(*std::move(real));
@@ -89,6 +90,21 @@ bool GuardList::keeps(std::string_view path, const FileIdentity& identity) const
   const auto standsInside = [&](const std::string& guarded) { return isSameOrInside(guarded, path); };
   return !isComplete_ || isInsideGuarded(path) || std::ranges::any_of(places_, standsInside) ||
          std::ranges::any_of(trees_, standsInside) || std::ranges::find(identities_, identity) != identities_.end();
+}
+
+bool GuardList::keepsBelow(const FileReader& reader, const Descriptor& folder) const {
+  auto identity = reader.attributes(folder);
+  Descriptor around;
+  while (identity && std::ranges::find(treeIdentities_, identity->identity) == treeIdentities_.end()) {
+    auto next = reader.openFolder(around ? around : folder, "..");
+    auto nextIdentity = next ? reader.attributes(*next) : std::unexpected(next.error());
+    if (nextIdentity && nextIdentity->identity == identity->identity) {
+      return false;  // the root is around itself
+    }
+    identity = nextIdentity;
+    around = next ? *std::move(next) : Descriptor();
+  }
+  return true;
 }
 
 bool GuardList::keepsOut(std::string_view path) const {

@@ -22,6 +22,9 @@ class GuardList {
   /// inside a guarded tree, or is a guarded place under another name.
   bool keeps(std::string_view path, const FileIdentity& identity) const;
 
+  /// True where the opened folder lies inside a guarded tree, by whatever mount it was reached.
+  bool keepsBelow(const FileReader& reader, const Descriptor& folder) const;
+
   /// True where nothing may be put at `path`: it lies inside a guarded tree or is a guarded place.
   bool keepsOut(std::string_view path) const;
 
@@ -36,6 +39,7 @@ class GuardList {
   std::vector<std::string> volumeTrashes_;  ///< nothing in them may go
   std::vector<Mount> mounts_;               ///< nothing of the kernel's own may go
   std::vector<FileIdentity> identities_;
+  std::vector<FileIdentity> treeIdentities_;
 };
 
 }  // namespace lumenary

@@ -344,6 +344,15 @@ TEST_F(SecondVolumeTest, ABindMountHasATrashOfItsOwnAndNothingIsCopied) {
   EXPECT_EQ(moved->trashPath, home.path("bound/.Trash-" + std::to_string(places.userID) + "/files/dist"));
 }
 
+TEST_F(SecondVolumeTest, AGuardedTreeStaysGuardedThroughABindMount) {
+  home.write(".ssh/app/dist/key");
+  home.makeFolder("bound");
+  ASSERT_EQ(::mount(home.path(".ssh").c_str(), home.path("bound").c_str(), nullptr, MS_BIND, nullptr), 0);
+  EXPECT_EQ(refusal(move(home.path("bound/app/dist"))), TrashRefusal::guarded);
+  ::umount2(home.path("bound").c_str(), MNT_DETACH);
+  EXPECT_TRUE(standsAt(home.path(".ssh/app/dist/key")));
+}
+
 TEST_F(SecondVolumeTest, AHomeTrashOnAnotherVolumeIsReachedThroughItsLink) {
   home.makeFolder("volume/trash");
   home.makeFolder(".local/share");

@@ -78,7 +78,11 @@ struct LinuxTrash::Attempt {
 std::expected<TrashedItem, TrashError> LinuxTrash::move(const OpenedItem& item, std::int64_t allocatedBytes,
                                                         IntentRecorder& recorder) {
   const auto mounts = mountTable_.mounts();
-  if (!mounts || GuardList(reader_, *mounts, places_).keeps(item.path, item.identity)) {
+  if (!mounts) {
+    return std::unexpected(refuse(TrashRefusal::guarded));
+  }
+  const GuardList guard(reader_, *mounts, places_);
+  if (guard.keeps(item.path, item.identity) || guard.keepsBelow(reader_, item.parent)) {
     return std::unexpected(refuse(TrashRefusal::guarded));
   }
   const auto isInside = [&](const Mount& mount) { return isSameOrInside(mount.point, item.path); };
