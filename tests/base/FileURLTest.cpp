@@ -6,27 +6,21 @@ namespace lumenary {
 namespace {
 
 TEST(FileURLTest, urlsAreWrittenAndReadBackByteForByte) {
-  const std::pair<FileURL, std::string_view> cases[] = {{{"/a/b.txt", false}, "file:///a/b.txt"},
-                                                        {{"/a/b", true}, "file:///a/b/"},
-                                                        {{"/", true}, "file:///"},
-                                                        {{"/a b%20?#", false}, "file:///a%20b%2520%3F%23"},
-                                                        {{"/-._~", false}, "file:///-._~"},
-                                                        {{"/é\xFF\n+&", true}, "file:///%C3%A9%FF%0A%2B%26/"},
-                                                        {{"/...", false}, "file:///..."}};
-  for (const auto& [url, text] : cases) {
+  const std::pair<const char*, FileURL> cases[] = {
+      {"file:///", {"/", true}},         {"file:///a/b.txt", {"/a/b.txt", false}},
+      {"file:///a/b/", {"/a/b", true}},  {"file:///a%20b%2520%3F%23", {"/a b%20?#", false}},
+      {"file:///...", {"/...", false}},  {"file:///%C3%A9%FF%0A%2B%26/", {"/é\xFF\n+&", true}},
+      {"file:///-._~", {"/-._~", false}}};
+  for (const auto& [text, url] : cases) {
     EXPECT_EQ(fileURLString(url), text);
     EXPECT_EQ(parseFileURL(text), url) << text;
   }
 }
 
 TEST(FileURLTest, urlsOfOthersAreReadToo) {
-  const std::pair<std::string_view, FileURL> cases[] = {{"file://localhost/a", {"/a", false}},
-                                                        {"file:///%c3%A9", {"/é", false}},
-                                                        {"file:///a b+é", {"/a b+é", false}},
-                                                        {"file:////a//b//", {"/a/b", true}}};
-  for (const auto& [text, url] : cases) {
-    EXPECT_EQ(parseFileURL(text), url) << text;
-  }
+  EXPECT_EQ(parseFileURL("file://localhost/a"), (FileURL{"/a", false}));
+  EXPECT_EQ(parseFileURL("file:///a b+%c3%A9"), (FileURL{"/a b+é", false}));
+  EXPECT_EQ(parseFileURL("file:////a//b//"), (FileURL{"/a/b", true}));
 }
 
 TEST(FileURLTest, whatNamesNoFixedPlaceIsRefused) {

@@ -13,22 +13,10 @@ TEST(JsonWriterTest, bothLayoutsHoldTheSameValues) {
   const auto sample = [](Layout layout) {
     JsonWriter json(layout);
     json.beginObject().key("a").beginArray().integer(1).beginObject().endObject().null().endArray();
-    json.key("b").beginObject().key("c").boolean(true).key("d").string("x").endObject();
-    return json.key("e").beginArray().endArray().endObject().take();
+    return json.key("b").boolean(true).key("c").beginArray().endArray().endObject().take();
   };
-  EXPECT_EQ(sample(Layout::compact), R"({"a":[1,{},null],"b":{"c":true,"d":"x"},"e":[]})");
-  EXPECT_EQ(sample(Layout::pretty), R"({
-  "a": [
-    1,
-    {},
-    null
-  ],
-  "b": {
-    "c": true,
-    "d": "x"
-  },
-  "e": []
-})");
+  EXPECT_EQ(sample(Layout::compact), R"({"a":[1,{},null],"b":true,"c":[]})");
+  EXPECT_EQ(sample(Layout::pretty), "{\n  \"a\": [\n    1,\n    {},\n    null\n  ],\n  \"b\": true,\n  \"c\": []\n}");
 }
 
 TEST(JsonWriterTest, stringsAndKeysAreEscaped) {

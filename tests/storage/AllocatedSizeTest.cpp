@@ -3,7 +3,6 @@
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <numeric>
 
 #include "platform/linux/LinuxFileReader.h"
 #include "storage/AllocatedSize.h"
@@ -14,60 +13,54 @@ namespace lumenary {
 namespace {
 
 using Call = HookedReader::Call;
+using Sizes = std::vector<std::int64_t>;
 const LinuxFileReader reader;
 
 TEST(AllocatedSize, AddsUpEverythingButTheFoldersAndFollowsNoLink) {
   const std::string farTarget(200, 'x');
-  TemporaryTree tree({{"a/one", 5'000},
-                      {"a/deep/er/two", 70'000},
-                      {"a/empty/"},
-                      {"a/nothing", 0},
-                      {"a/far", LinkTo{farTarget}},
-                      {"a/out", LinkTo{"../outside"}},
-                      {"outside/big", 900'000},
-                      {"link", LinkTo{"a"}}});
-  struct {
-    const char* path;
-    std::int64_t expected;
-  } const cases[] = {
-      {"a", tree.allocatedBytes({"a/one", "a/deep/er/two", "a/far", "a/out"})},
-      {"a/one", tree.allocatedBytes({"a/one"})},
-      {"link", tree.allocatedBytes({"link"})},
-      {"link/deep", tree.allocatedBytes({"a/deep/er/two"})},
-      {"a/empty", 0},
-      {"missing", 0},
-  };
-  ASSERT_GE(tree.allocatedBytes({"a/one", "a/deep/er/two"}), 75'000);
+  const TemporaryTree tree({{"a/one", 5'000},
+                            {"a/deep/er/two", 70'000},
+                            {"a/empty/"},
+                            {"a/far", LinkTo{farTarget}},
+                            {"a/out", LinkTo{"../b"}},
+                            {"b/big", 900'000},
+                            {"link", LinkTo{"a"}}});
+  const std::int64_t all = tree.allocatedBytes({"a/one", "a/deep/er/two", "a/far", "a/out"});
+  const std::pair<const char*, std::int64_t> cases[] = {{"a", all},
+                                                        {"link/deep", tree.allocatedBytes({"a/deep/er/two"})},
+                                                        {"a/empty", 0},
+                                                        {"link", tree.allocatedBytes({"link"})},
+                                                        {"missing", 0}};
+  ASSERT_GE(all, 75'000);
   for (const auto& [path, expected] : cases) {
     EXPECT_EQ(allocatedSize(reader, tree.path(path)), expected) << path;
   }
-
   const auto parent = reader.openFolder(tree.root(), LinkPolicy::refuse);
-  EXPECT_EQ(measure(reader, *parent, "a", 0).allocatedBytes, cases[0].expected);
-  EXPECT_EQ(measure(reader, *parent, "link", 0).allocatedBytes, cases[2].expected);
+  EXPECT_EQ(measure(reader, *parent, "a", 0).allocatedBytes, all);
+  EXPECT_EQ(measure(reader, *parent, "link", 0).allocatedBytes, tree.allocatedBytes({"link"}));
 }
 
 TEST(AllocatedSize, CountsAFileWithSeveralNamesOnceInEachWalk) {
   TemporaryTree tree({{"a/file", 9'000}, {"a/in/same", HardLinkTo{"a/file"}}, {"b/same", HardLinkTo{"a/file"}}});
   const std::int64_t once = tree.allocatedBytes({"a/file"});
   const std::string paths[] = {tree.path("a"), tree.path("b"), tree.root()};
-  EXPECT_EQ(allocatedSizes(reader, paths), (std::vector<std::int64_t>{once, once, once}));
+  EXPECT_EQ(allocatedSizes(reader, paths), (Sizes{once, once, once}));
 }
 
 TEST(AllocatedSize, GivesTheSizesInTheOrderOfThePathsAndReportsEachOnce) {
   TemporaryTree tree;
   std::vector<std::string> paths;
-  std::vector<std::int64_t> expected;
-  for (int index = 0; index < 100; ++index) {
-    const std::string name = "folder" + std::to_string(index) + "/file";
-    tree.build({{name, (index % 7) * 20'000}});
-    paths.push_back(tree.path("folder" + std::to_string(index)));
-    expected.push_back(tree.allocatedBytes({name}));
+  Sizes expected;
+  std::vector<std::size_t> oneToHundred;
+  for (std::size_t number = 1; number <= 100; ++number) {
+    const std::string name = std::to_string(number);
+    tree.build({{name + "/file", static_cast<int>(number % 7) * 20'000}});
+    paths.push_back(tree.path(name));
+    expected.push_back(tree.allocatedBytes({name + "/file"}));
+    oneToHundred.push_back(number);
   }
   std::vector<std::size_t> reports;
   EXPECT_EQ(allocatedSizes(reader, paths, {}, [&](std::size_t done) { reports.push_back(done); }), expected);
-  std::vector<std::size_t> oneToHundred(100);
-  std::iota(oneToHundred.begin(), oneToHundred.end(), 1);
   EXPECT_EQ(reports, oneToHundred);
 }
 
@@ -82,7 +75,7 @@ TEST(AllocatedSize, MeasuresAChainOfAnyDepthWithFewDescriptors) {
   const std::string paths[] = {tree.root(), tree.path("d")};
   const auto sizes = allocatedSizes(reader, paths);
   ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
-  EXPECT_EQ(sizes, (std::vector<std::int64_t>{3'000 * each, 3'000 * each}));
+  EXPECT_EQ(sizes, (Sizes{3'000 * each, 3'000 * each}));
 }
 
 TEST(AllocatedSize, NeverGoesOnInAnotherFolderWhenADeepTreeIsMovedAwayUnderIt) {
@@ -105,32 +98,27 @@ TEST(AllocatedSize, NeverGoesOnInAnotherFolderWhenADeepTreeIsMovedAwayUnderIt) {
 }
 
 TEST(AllocatedSize, LeavesOutWhatVanishesOrCantBeRead) {
-  const auto run = [](Call failing, std::string_view failingName, const char* removed) {
-    TemporaryTree tree({{"a/kept", 5'000}, {"a/in/gone", 60'000}, {"a/in/more", 700'000}});
-    bool isRemoved = false;
-    const HookedReader hooked(reader, [&](Call call, std::string_view name) -> std::optional<SystemError> {
-      if (call != failing || name != failingName) {
-        return {};
-      }
-      if (removed == nullptr) {
-        return SystemError{EACCES};
-      }
-      if (!std::exchange(isRemoved, true)) {
-        tree.remove(removed);
-      }
-      return {};
-    });
-    return allocatedSize(hooked, tree.path("a"));
-  };
   const TemporaryTree same({{"kept", 5'000}, {"more", 700'000}});
   const std::int64_t kept = same.allocatedBytes({"kept"});
   const std::int64_t keptAndMore = same.allocatedBytes({"kept", "more"});
-  EXPECT_EQ(run(Call::openFolder, "in", nullptr), kept);
-  EXPECT_EQ(run(Call::openFolder, "in", "a/in"), kept);
-  EXPECT_EQ(run(Call::attributes, "in", "a/in"), kept);
-  EXPECT_EQ(run(Call::attributes, "gone", nullptr), keptAndMore);
-  EXPECT_EQ(run(Call::attributes, "gone", "a/in/gone"), keptAndMore);
-  EXPECT_EQ(run(Call::nextEntries, "", nullptr), 0);
+  const std::tuple<Call, std::string_view, const char*, std::int64_t> cases[] = {
+      {Call::openFolder, "in", nullptr, kept},
+      {Call::openFolder, "in", "a/in", kept},
+      {Call::attributes, "in", "a/in", kept},
+      {Call::attributes, "gone", nullptr, keptAndMore},
+      {Call::attributes, "gone", "a/in/gone", keptAndMore},
+      {Call::nextEntries, "", nullptr, 0}};
+  for (const auto& [failing, failingName, removed, expected] : cases) {
+    TemporaryTree tree({{"a/kept", 5'000}, {"a/in/gone", 60'000}, {"a/in/more", 700'000}});
+    const HookedReader hooked(reader, [&](Call call, std::string_view name) -> std::optional<SystemError> {
+      const bool isMeant = call == failing && name == failingName;
+      if (isMeant && removed != nullptr) {
+        tree.remove(removed);
+      }
+      return isMeant && removed == nullptr ? std::optional(SystemError{EACCES}) : std::nullopt;
+    });
+    EXPECT_EQ(allocatedSize(hooked, tree.path("a")), expected) << failingName;
+  }
 }
 
 TEST(AllocatedSize, DoesNotFollowALinkThatTakesTheFoldersPlace) {
@@ -152,12 +140,7 @@ TEST(AllocatedSize, TellsWhoseFoldersItPassedAndWhatIsMarkedUnchangeable) {
   constexpr auto foreign = [](FileAttributes& found) { found.owner = 1001; };
   constexpr auto marked = [](FileAttributes& found) { found.isUnchangeable = true; };
   constexpr auto onOtherVolume = [](FileAttributes& found) { found.owner = 1001, ++found.identity.device; };
-  struct {
-    const char* altered;
-    void (*alter)(FileAttributes&);
-    std::uint32_t user;
-    Measurement expected;
-  } const cases[] = {
+  const std::tuple<const char*, void (*)(FileAttributes&), std::uint32_t, Measurement> cases[] = {
       {"nothing", foreign, 1000, {all, false, false}},
       {"in", foreign, 1000, {all, true, false}},
       {"a", foreign, 1000, {all, true, false}},
@@ -166,26 +149,22 @@ TEST(AllocatedSize, TellsWhoseFoldersItPassedAndWhatIsMarkedUnchangeable) {
       {"inner", marked, 1000, {all, false, true}},
       {"in", marked, 1000, {all, false, true}},
       {"a", marked, 1000, {all, false, true}},
-      {"in", onOtherVolume, 1000, {withoutIn, false, false}},
-  };
+      {"in", onOtherVolume, 1000, {withoutIn, false, false}}};
   const auto parent = reader.openFolder(tree.root(), LinkPolicy::refuse);
+  const auto nothingFails = [](Call, std::string_view) { return std::nullopt; };
+  const auto noFolderOpens = [](Call call, std::string_view) {
+    return call == Call::openFolder ? std::optional(SystemError{EACCES}) : std::nullopt;
+  };
   for (const auto& [altered, alter, user, expected] : cases) {
-    const HookedReader hooked(
-        reader, [](Call, std::string_view) { return std::nullopt; },
-        [&](std::string_view name, FileAttributes& found) {
-          found.owner = 1000;
-          if (name == altered) {
-            alter(found);
-          }
-        });
+    const HookedReader hooked(reader, nothingFails, [&](std::string_view name, FileAttributes& found) {
+      found.owner = 1000;
+      if (name == altered) {
+        alter(found);
+      }
+    });
     EXPECT_EQ(measure(hooked, *parent, "a", user), expected) << altered << " for user " << user;
   }
-  const HookedReader closed(
-      reader,
-      [](Call call, std::string_view) {
-        return call == Call::openFolder ? std::optional(SystemError{EACCES}) : std::nullopt;
-      },
-      [](std::string_view, FileAttributes& found) { found.owner = 0; });
+  const HookedReader closed(reader, noFolderOpens, [](std::string_view, FileAttributes& found) { found.owner = 0; });
   EXPECT_EQ(measure(closed, *parent, "a", 1000), (Measurement{0, true, false})) << "a closed folder is still foreign";
 }
 
@@ -202,8 +181,7 @@ TEST(AllocatedSize, EndsEarlyOnAStopRequest) {
   EXPECT_EQ(allocatedSize(stopping, tree.path("a"), stop.get_token()), one);
   const std::string paths[] = {tree.path("a"), tree.path("b")};
   std::size_t reports = 0;
-  EXPECT_EQ(allocatedSizes(reader, paths, stop.get_token(), [&](std::size_t) { ++reports; }),
-            (std::vector<std::int64_t>{0, 0}));
+  EXPECT_EQ(allocatedSizes(reader, paths, stop.get_token(), [&](std::size_t) { ++reports; }), (Sizes{0, 0}));
   EXPECT_EQ(reports, 0U);
 }
 
