@@ -9,7 +9,7 @@ import sys
 FLOORS = ["base", "platform", "storage", "cleanup", "cleanup/command", "core"]
 
 SYSTEM_FOLDERS = ("platform/linux/", "base/linux/")
-LIBRARIES = {"simdjson.h": ("base/JsonReader.cpp", "base/linux/")}
+LIBRARIES = {"simdjson.h": ("base/JsonReader.cpp", "base/linux/"), "utf8proc.h": ("base/Unicode.cpp",)}
 
 CXX_LIBRARY = set("""
 algorithm any array atomic barrier bit bitset charconv chrono codecvt compare complex concepts condition_variable

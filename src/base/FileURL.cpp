@@ -1,6 +1,8 @@
 #include "base/FileURL.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
 
 #include "base/Hex.h"
 #include "base/Path.h"
@@ -10,10 +12,16 @@ namespace {
 
 constexpr std::string_view scheme = "file://";
 constexpr std::string_view localHost = "localhost";
-constexpr std::string_view keptCharacters =
-    "ABCDEFGHIJKLMNOPQRSTUVWXYZ"
-    "abcdefghijklmnopqrstuvwxyz"
-    "0123456789-._~/";
+/// The characters that stay, by their byte.
+constexpr auto isKept = [] {
+  std::array<bool, 256> kept{};
+  for (const char character : std::string_view("ABCDEFGHIJKLMNOPQRSTUVWXYZ"
+                                               "abcdefghijklmnopqrstuvwxyz"
+                                               "0123456789-._~/")) {
+    kept.at(static_cast<std::uint8_t>(character)) = true;
+  }
+  return kept;
+}();
 
 bool holdsDotComponent(const std::string& path) {
   const std::string closed = path + '/';
@@ -53,11 +61,12 @@ std::string percentEncoded(std::string_view path) {
   std::string text;
   text.reserve(path.size());
   for (const char character : path) {
-    if (keptCharacters.contains(character)) {
+    const auto byte = static_cast<std::uint8_t>(character);
+    if (isKept[byte]) {
       text += character;
     } else {
       text += '%';
-      appendHex(text, static_cast<std::uint8_t>(character));
+      appendHex(text, byte);
     }
   }
   return text;

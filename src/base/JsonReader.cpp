@@ -72,6 +72,19 @@ std::optional<std::vector<JsonValue>> JsonValue::elements() const {
   return values;
 }
 
+std::optional<std::vector<std::pair<std::string_view, JsonValue>>> JsonValue::members() const {
+  const std::optional<dom::object> object = as<dom::object>(*this);
+  if (!object) {
+    return std::nullopt;
+  }
+  std::vector<std::pair<std::string_view, JsonValue>> members;
+  members.reserve(object->size());
+  for (const auto& [key, value] : *object) {
+    members.emplace_back(key, valueOf(value));
+  }
+  return members;
+}
+
 std::optional<JsonValue> JsonValue::member(std::string_view key) const {
   const std::optional<dom::object> object = as<dom::object>(*this);
   dom::element found;

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 /// The one JSON reader. It stands on simdjson, whose shared library is opened at the first read: the command's
@@ -25,6 +26,8 @@ class JsonValue {
   std::optional<bool> boolean() const;
   /// The elements of an array in order; no value for anything else.
   std::optional<std::vector<JsonValue>> elements() const;
+  /// The members of an object in order, a key that stands twice included; no value for anything else.
+  std::optional<std::vector<std::pair<std::string_view, JsonValue>>> members() const;
   /// The first member of an object with that key; no value for another type or an absent key.
   std::optional<JsonValue> member(std::string_view key) const;
 

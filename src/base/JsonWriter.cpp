@@ -1,5 +1,6 @@
 #include "base/JsonWriter.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -53,10 +54,21 @@ void appendEscaped(std::string& out, char character) {
   }
 }
 
+bool needsEscape(char character) {
+  return static_cast<unsigned char>(character) < 0x20 || character == '"' || character == '\\';
+}
+
 void appendString(std::string& out, std::string_view text) {
   out += '"';
-  for (const char character : text) {
-    appendEscaped(out, character);
+  while (!text.empty()) {
+    // Whole runs at once: most texts need no escape at all.
+    const auto run = static_cast<std::size_t>(std::ranges::find_if(text, needsEscape) - text.begin());
+    out += text.substr(0, run);
+    text.remove_prefix(run);
+    if (!text.empty()) {
+      appendEscaped(out, text.front());
+      text.remove_prefix(1);
+    }
   }
   out += '"';
 }

@@ -23,6 +23,11 @@ std::string_view lastPathComponent(std::string_view path) {
   return path == "/" ? path : path.substr(path.rfind('/') + 1);
 }
 
+std::string_view pathExtension(std::string_view name) {
+  const std::size_t dot = name.rfind('.');
+  return dot == 0 || dot == std::string_view::npos ? std::string_view() : name.substr(dot + 1);
+}
+
 std::string_view parentPath(std::string_view path) {
   const std::size_t slash = path.rfind('/');
   return slash == 0 || slash == std::string_view::npos ? "/" : path.substr(0, slash);

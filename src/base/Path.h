@@ -14,6 +14,9 @@ std::string standardise(std::string_view path);
 /// What stands behind the last slash; "/" for the root.
 std::string_view lastPathComponent(std::string_view path);
 
+/// What stands behind the last dot of a name; empty where there is none, or only the first character is one.
+std::string_view pathExtension(std::string_view name);
+
 /// The path up to the last slash; "/" for the root and for what stands in it.
 std::string_view parentPath(std::string_view path);
 

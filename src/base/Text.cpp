@@ -11,8 +11,16 @@ constexpr std::string_view replacementCharacter = "\uFFFD";
 
 std::uint8_t byteAt(std::string_view bytes, std::size_t index) { return static_cast<std::uint8_t>(bytes[index]); }
 
+char loweredASCII(char character) {
+  return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
+}
+
 bool isBetween(std::uint32_t value, std::uint32_t lowest, std::uint32_t highest) {
   return lowest <= value && value <= highest;
+}
+
+bool isASCII(std::string_view bytes) {
+  return std::ranges::none_of(bytes, [](char byte) { return static_cast<std::uint8_t>(byte) >= 0x80; });
 }
 
 /// What the first byte of a sequence says of the rest.
@@ -115,6 +123,9 @@ std::string displayText(std::string_view bytes) {
 }
 
 std::string reversibleText(std::string_view bytes) {
+  if (isASCII(bytes)) {
+    return std::string(bytes);
+  }
   std::string text;
   text.reserve(bytes.size());
   while (!bytes.empty()) {
@@ -131,6 +142,9 @@ std::string reversibleText(std::string_view bytes) {
 }
 
 std::string bytesOfReversibleText(std::string_view text) {
+  if (isASCII(text)) {
+    return std::string(text);
+  }
   std::string bytes;
   bytes.reserve(text.size());
   while (!text.empty()) {
@@ -142,6 +156,16 @@ std::string bytesOfReversibleText(std::string_view text) {
     }
   }
   return bytes;
+}
+
+std::string loweredASCII(std::string_view text) {
+  std::string lowered(text);
+  std::ranges::transform(lowered, lowered.begin(), [](char character) { return loweredASCII(character); });
+  return lowered;
+}
+
+bool equalsIgnoringCase(std::string_view text, std::string_view lowered) {
+  return std::ranges::equal(text, lowered, {}, [](char character) { return loweredASCII(character); });
 }
 
 std::string paddedOrCut(std::string_view text, std::size_t width) {

@@ -24,6 +24,11 @@ std::string reversibleText(std::string_view bytes);
 /// The bytes behind a text that `reversibleText` wrote.
 std::string bytesOfReversibleText(std::string_view text);
 
+/// A to Z in lower case, every other byte as it is: enough to compare with names made of ASCII.
+std::string loweredASCII(std::string_view text);
+/// `lowered` is ASCII in lower case.
+bool equalsIgnoringCase(std::string_view text, std::string_view lowered);
+
 /// `text` (UTF-8) filled with blanks on the right, or cut, to exactly `width` characters.
 std::string paddedOrCut(std::string_view text, std::size_t width);
 

@@ -7,6 +7,7 @@
 #include "base/EnumText.h"
 #include "base/JsonWriter.h"
 #include "base/Text.h"
+#include "storage/JsonFields.h"
 
 namespace lumenary {
 namespace {
@@ -35,10 +36,6 @@ void encodeItem(JsonWriter& json, const Item& item) {
   json.endObject();
 }
 
-std::optional<std::string_view> textOf(const JsonValue& object, std::string_view key) {
-  return object.member(key).and_then(&JsonValue::string);
-}
-
 std::optional<Item> decodeItem(const JsonValue& object) {
   const auto id = textOf(object, "id").and_then(UUID::parse);
   const auto measuredBytes = object.member("measuredBytes").and_then(&JsonValue::integer);
@@ -51,11 +48,9 @@ std::optional<Item> decodeItem(const JsonValue& object) {
     return std::nullopt;
   }
   std::optional<FileURL> trashURL;
-  if (const auto trash = object.member("trashURL"); trash && !trash->isNull()) {
-    trashURL = trash->string().and_then(parseFileURL);
-    if (!trashURL) {
-      return std::nullopt;
-    }
+  const auto urlOf = [](const JsonValue& value) { return value.string().and_then(parseFileURL); };
+  if (!decodeOptional(object, "trashURL", trashURL, urlOf)) {
+    return std::nullopt;
   }
   return Item{.id = *id,
               .originalURL = *std::move(originalURL),
@@ -67,32 +62,12 @@ std::optional<Item> decodeItem(const JsonValue& object) {
               .message = bytesOfReversibleText(*message)};
 }
 
-/// Every element decoded, or no value where one of them can't be.
-template <class Element>
-std::optional<std::vector<Element>> decodeAll(const std::vector<JsonValue>& values,
-                                              std::optional<Element> (*decode)(const JsonValue&)) {
-  std::vector<Element> elements;
-  elements.reserve(values.size());
-  for (const JsonValue& value : values) {
-    auto element = decode(value);
-    if (!element) {
-      return std::nullopt;
-    }
-    elements.push_back(*std::move(element));
-  }
-  return elements;
-}
-
 std::optional<CleanupTransaction> decodeTransaction(const JsonValue& object) {
   const auto id = textOf(object, "id").and_then(UUID::parse);
-  const auto values = object.member("items").and_then(&JsonValue::elements);
+  auto items = decodeAll(object, "items", decodeItem);
   const auto source = textOf(object, "source").and_then(sourceOf);
   const auto timestamp = textOf(object, "timestamp").and_then(parseISO8601);
-  if (!id || !values || !source || !timestamp) {
-    return std::nullopt;
-  }
-  auto items = decodeAll<Item>(*values, decodeItem);
-  if (!items) {
+  if (!id || !items || !source || !timestamp) {
     return std::nullopt;
   }
   return CleanupTransaction{.id = *id, .timestamp = *timestamp, .source = *source, .items = *std::move(items)};
@@ -160,8 +135,7 @@ std::expected<std::vector<CleanupTransaction>, JsonDocument::Error> decodeCleanu
   if (!document) {
     return std::unexpected(document.error());
   }
-  const auto values = document->root().elements();
-  auto transactions = values ? decodeAll<CleanupTransaction>(*values, decodeTransaction) : std::nullopt;
+  auto transactions = decodeAll(document->root(), decodeTransaction);
   if (!transactions) {
     return std::unexpected(JsonDocument::Error::malformed);
   }

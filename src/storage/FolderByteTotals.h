@@ -1,0 +1,50 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace lumenary {
+
+/// Bytes of folders by absolute path: a map in one sorted array, as it is made once and then mostly read.
+class FolderByteTotals {
+ public:
+  struct Folder {
+    std::string path;
+    std::int64_t bytes = 0;
+
+    bool operator==(const Folder&) const = default;
+  };
+
+  FolderByteTotals() = default;
+  /// In any order. Of folders with one path the last one counts.
+  explicit FolderByteTotals(std::vector<Folder> folders) : folders_(std::move(folders)) {
+    if (!std::ranges::is_sorted(folders_, std::ranges::less_equal(), &Folder::path)) {
+      sortKeepingLast();
+    }
+  }
+
+  /// The bytes of a folder; null where it isn't in the map.
+  std::int64_t* find(std::string_view path) {
+    const auto found = std::ranges::lower_bound(folders_, path, {}, &Folder::path);
+    return found != folders_.end() && found->path == path ? &found->bytes : nullptr;
+  }
+  const std::int64_t* find(std::string_view path) const { return const_cast<FolderByteTotals*>(this)->find(path); }
+
+  /// Sorted by path.
+  auto begin() const { return folders_.begin(); }
+  auto end() const { return folders_.end(); }
+  std::size_t size() const { return folders_.size(); }
+
+  bool operator==(const FolderByteTotals&) const = default;
+
+ private:
+  void sortKeepingLast();
+
+  std::vector<Folder> folders_;
+};
+
+}  // namespace lumenary
