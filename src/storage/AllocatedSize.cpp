@@ -176,7 +176,7 @@ void MeasuringWalk::count(const FileAttributes& attributes) {
   if (attributes.identity.kind == FileKind::folder) {
     return;
   }
-  if (attributes.linkCount >= 2 && !countedFiles_.insert(attributes.identity)) {
+  if (attributes.linkCount >= 2 && !countedFiles_.insert(attributes.identity).isNew) {
     return;
   }
   result_.allocatedBytes = checkedSum(result_.allocatedBytes, attributes.allocatedBytes);

@@ -52,6 +52,9 @@ Places placesOf(const Environment& environment) {
   places.stateHome = folder("XDG_STATE_HOME", ".local/state");
   places.support = below(places.dataHome, "Lumenary");
   places.defaultsFile = below(places.configHome, "Lumenary/defaults.json");
+  places.homesFolder = "/home";
+  // Inside of one of these the program may see a home folder that isn't the person's whole one.
+  places.hasFullDiskAccess = environment("FLATPAK_ID") == nullptr && environment("SNAP") == nullptr;
   return places;
 }
 
