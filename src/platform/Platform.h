@@ -8,6 +8,7 @@
 #include "platform/FileReader.h"
 #include "platform/Interruption.h"
 #include "platform/MountTable.h"
+#include "platform/PerfProbe.h"
 #include "platform/Places.h"
 #include "platform/Terminal.h"
 #include "platform/Trash.h"
@@ -25,6 +26,8 @@ struct Platform {
   std::unique_ptr<Terminal> terminal;
   std::unique_ptr<Interruption> interruption;
   std::function<Date()> now;
+  PerfProbe probe;
+  unsigned processors = 1;  ///< that this process may use
 };
 
 /// The platform of this build, for the person who runs the process.

@@ -131,15 +131,7 @@ std::string encodeCleanupTransactions(std::span<const CleanupTransaction> transa
 }
 
 std::expected<std::vector<CleanupTransaction>, JsonDocument::Error> decodeCleanupTransactions(std::string_view text) {
-  const auto document = JsonDocument::parse(text);
-  if (!document) {
-    return std::unexpected(document.error());
-  }
-  auto transactions = decodeAll(document->root(), decodeTransaction);
-  if (!transactions) {
-    return std::unexpected(JsonDocument::Error::malformed);
-  }
-  return *std::move(transactions);
+  return decodeDocument(text, [](const JsonValue& root) { return decodeAll(root, decodeTransaction); });
 }
 
 }  // namespace lumenary

@@ -1,12 +1,15 @@
 #pragma once
 
+#include <expected>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <type_traits>
 #include <utility>
 #include <vector>
 
 #include "base/JsonReader.h"
+#include "base/Text.h"
 
 /// How the records of this floor read their fields: what is missing or of another type has no value.
 namespace lumenary {
@@ -40,6 +43,24 @@ template <class Decode>
 auto decodeAll(const JsonValue& object, std::string_view key, Decode decode) {
   const auto array = object.member(key);
   return array ? decodeAll(*array, decode) : decltype(decodeAll(object, decode))();
+}
+
+/// The bytes behind a text that `reversibleText` wrote.
+inline std::optional<std::string> bytesOfText(const JsonValue& value) {
+  return value.string().transform(bytesOfReversibleText);
+}
+
+/// A whole text decoded. `malformed` also stands for JSON in which `decode` finds no value.
+template <class Decode>
+auto decodeDocument(std::string_view text, Decode decode) {
+  using Value = std::invoke_result_t<Decode, const JsonValue&>::value_type;
+  using Result = std::expected<Value, JsonDocument::Error>;
+  const auto document = JsonDocument::parse(text);
+  if (!document) {
+    return Result(std::unexpect, document.error());
+  }
+  auto value = decode(document->root());
+  return value ? Result(*std::move(value)) : Result(std::unexpect, JsonDocument::Error::malformed);
 }
 
 /// False where the member is there, isn't null, and can't be decoded.

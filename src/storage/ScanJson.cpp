@@ -115,10 +115,6 @@ std::optional<FileEntry> decodeEntry(const JsonValue& object, DateForm dates) {
                    .category = *category};
 }
 
-std::optional<std::string> decodePath(const JsonValue& value) {
-  return value.string().transform(bytesOfReversibleText);
-}
-
 std::optional<StorageScanResult> decodeResult(const JsonValue& object, DateForm dates) {
   const auto dateOf = [&](const JsonValue& value) { return decodeDate(value, dates); };
   const auto entryOf = [&](const JsonValue& value) { return decodeEntry(value, dates); };
@@ -126,7 +122,7 @@ std::optional<StorageScanResult> decodeResult(const JsonValue& object, DateForm 
   const auto scannedAt = object.member("scannedAt").and_then(dateOf);
   const auto totalBytes = object.member("totalBytes").and_then(byteCountOf);
   const auto scannedItemCount = object.member("scannedItemCount").and_then(byteCountOf);
-  auto inaccessiblePaths = decodeAll(object, "inaccessiblePaths", decodePath);
+  auto inaccessiblePaths = decodeAll(object, "inaccessiblePaths", bytesOfText);
   auto entries = decodeAll(object, "entries", entryOf);
   if (!root || !scannedAt || !totalBytes || !scannedItemCount || !inaccessiblePaths || !entries) {
     return std::nullopt;
@@ -192,15 +188,7 @@ std::string encodeScanResult(const StorageScanResult& result, DateForm dates) {
 }
 
 std::expected<StorageScanResult, JsonDocument::Error> decodeScanResult(std::string_view text, DateForm dates) {
-  const auto document = JsonDocument::parse(text);
-  if (!document) {
-    return std::unexpected(document.error());
-  }
-  std::optional<StorageScanResult> result = decodeResult(document->root(), dates);
-  if (!result) {
-    return std::unexpected(JsonDocument::Error::malformed);
-  }
-  return *std::move(result);
+  return decodeDocument(text, [dates](const JsonValue& root) { return decodeResult(root, dates); });
 }
 
 std::string encodeScanHistory(std::span<const ScanHistoryPoint> points) {
@@ -218,9 +206,8 @@ std::string encodeScanHistory(std::span<const ScanHistoryPoint> points) {
   return json.take();
 }
 
-std::optional<std::vector<ScanHistoryPoint>> decodeScanHistory(std::string_view text) {
-  const auto document = JsonDocument::parse(text);
-  return document ? decodeAll(document->root(), decodePoint) : std::nullopt;
+std::expected<std::vector<ScanHistoryPoint>, JsonDocument::Error> decodeScanHistory(std::string_view text) {
+  return decodeDocument(text, [](const JsonValue& root) { return decodeAll(root, decodePoint); });
 }
 
 }  // namespace lumenary

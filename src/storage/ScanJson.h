@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <expected>
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -29,6 +28,6 @@ std::expected<StorageScanResult, JsonDocument::Error> decodeScanResult(std::stri
 
 /// Dates as ISO 8601 text.
 std::string encodeScanHistory(std::span<const ScanHistoryPoint> points);
-std::optional<std::vector<ScanHistoryPoint>> decodeScanHistory(std::string_view text);
+std::expected<std::vector<ScanHistoryPoint>, JsonDocument::Error> decodeScanHistory(std::string_view text);
 
 }  // namespace lumenary

@@ -1,23 +1,92 @@
 #include "storage/ScanStore.h"
 
 #include <algorithm>
+#include <span>
 #include <utility>
 
 #include "base/Path.h"
+#include "storage/ScanJson.h"
 
 namespace lumenary {
 namespace {
 
 constexpr auto unreadableCopyName = "cleanup-transactions.unreadable.json";
 
-void keepNewest(std::vector<CleanupTransaction>& transactions) {
-  if (transactions.size() > ScanStore::transactionLimit) {
-    const auto excess = static_cast<std::ptrdiff_t>(transactions.size() - ScanStore::transactionLimit);
-    transactions.erase(transactions.begin(), transactions.begin() + excess);
+template <class Record>
+void keepNewest(std::vector<Record>& records, std::size_t limit) {
+  if (records.size() > limit) {
+    records.erase(records.begin(), records.end() - static_cast<std::ptrdiff_t>(limit));
   }
 }
 
 }  // namespace
+
+namespace {
+
+/// A log that is kept for information: what can't be decoded is lost with the next append.
+template <class Record>
+struct PlainLog {
+  using Decode = std::expected<std::vector<Record>, JsonDocument::Error> (*)(std::string_view text);
+  using Encode = std::string (*)(std::span<const Record> records);
+
+  DurableFiles& files;
+  const std::string& url;
+  Decode decode;
+  Encode encode;
+  std::size_t limit;
+
+  std::vector<Record> load(bool& mayReplace) const {
+    const auto bytes = files.read(url, ScanStore::logByteLimit);
+    if (!bytes) {
+      mayReplace = bytes.error().isMissing();
+      return {};
+    }
+    auto records = decode(*bytes);
+    mayReplace = records || records.error() != JsonDocument::Error::unavailable;
+    return std::move(records).value_or(std::vector<Record>());
+  }
+
+  std::vector<Record> append(const Record& record) const {
+    bool mayReplace = false;
+    std::vector<Record> records = load(mayReplace);
+    records.push_back(record);
+    keepNewest(records, limit);
+    if (mayReplace) {
+      static_cast<void>(files.writeAtomically(url, encode(records)));
+    }
+    return records;
+  }
+};
+
+PlainLog<ScanHistoryPoint> history(DurableFiles& files, const std::string& url) {
+  return {files, url, decodeScanHistory, encodeScanHistory, ScanStore::historyLimit};
+}
+
+PlainLog<TidyReceipt> tidyLog(DurableFiles& files, const std::string& url) {
+  return {files, url, decodeTidyLog, encodeTidyLog, ScanStore::tidyLimit};
+}
+
+}  // namespace
+
+std::vector<ScanHistoryPoint> ScanStore::loadHistory() {
+  bool mayReplace = false;
+  return history(files_, historyURL_).load(mayReplace);
+}
+
+std::vector<TidyReceipt> ScanStore::loadTidyLog() {
+  bool mayReplace = false;
+  return tidyLog(files_, tidyURL_).load(mayReplace);
+}
+
+std::vector<ScanHistoryPoint> ScanStore::appendHistory(const ScanHistoryPoint& point) {
+  const std::scoped_lock oneAtATime(mutex_);
+  return history(files_, historyURL_).append(point);
+}
+
+std::vector<TidyReceipt> ScanStore::appendTidy(const TidyReceipt& receipt) {
+  const std::scoped_lock oneAtATime(mutex_);
+  return tidyLog(files_, tidyURL_).append(receipt);
+}
 
 /// The list, and what stands behind it in the file.
 struct ScanStore::LogState {
@@ -31,9 +100,12 @@ struct ScanStore::LogState {
   std::string damagedBytes;
 };
 
-ScanStore::ScanStore(DurableFiles& files, std::string supportFolder)
+ScanStore::ScanStore(DurableFiles& files, std::string supportFolder, PerfProbe probe)
     : files_(files),
       support_(std::move(supportFolder)),
+      probe_(std::move(probe)),
+      historyURL_(appendingPathComponent(support_, "scan-history.json")),
+      tidyURL_(appendingPathComponent(support_, "tidy-log.json")),
       cleanupTransactionsURL_(appendingPathComponent(support_, "cleanup-transactions.json")),
       unreadableCopyURL_(appendingPathComponent(support_, unreadableCopyName)),
       lockURL_(appendingPathComponent(support_, "cleanup-transactions.lock")) {
@@ -102,7 +174,7 @@ ScanStore::LogChange ScanStore::updateCleanupTransactions(
   const LogState log = readLog();
   LogChange result{.transactions = log.transactions, .isSaved = false};
   change(result.transactions);
-  keepNewest(result.transactions);
+  keepNewest(result.transactions, transactionLimit);
   if (!lock && !lock.error().isWithoutLocks()) {
     return result;
   }

@@ -1,7 +1,9 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <thread>
 
 #include "platform/Platform.h"
 #include "platform/linux/LinuxDefaults.h"
@@ -45,6 +47,8 @@ Platform makePlatform() {
   platform.defaults = std::make_unique<LinuxDefaults>(*platform.files, places.defaultsFile);
   platform.terminal = std::make_unique<LinuxTerminal>();
   platform.now = [] { return std::chrono::floor<Date::duration>(std::chrono::system_clock::now()); };
+  platform.probe = PerfProbe::of(std::getenv("LUMENARY_BENCH"), std::getenv("LUMENARY_OFF"));
+  platform.processors = std::max(1U, std::thread::hardware_concurrency());
   return platform;
 }
 
