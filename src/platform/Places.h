@@ -14,8 +14,8 @@ struct Places {
   std::string stateHome;     ///< $XDG_STATE_HOME, ~/.local/state
   std::string support;       ///< the program's own files: dataHome/Lumenary
   std::string defaultsFile;  ///< the settings both faces read: configHome/Lumenary/defaults.json
-  std::string homesFolder;   ///< the folder in which people have their homes
   std::uint32_t userID = 0;
+  std::string homesFolder;        ///< the folder in which people have their homes
   bool hasFullDiskAccess = true;  ///< false where the system hides parts of the home folder from this program
 
   bool operator==(const Places&) const = default;

@@ -47,7 +47,7 @@ StorageIndex::SearchItems buildSearchItems(const StorageIndex::Children& childre
   const auto addText = [&](std::string_view text) {
     const std::string folded = caseFolded(text);
     const Span span{result.text.size(), folded.size()};
-    result.text += folded;
+    result.text.insert(result.text.end(), folded.begin(), folded.end());
     return span;
   };
   for (const auto& [folder, nodes] : children) {
@@ -59,7 +59,7 @@ StorageIndex::SearchItems buildSearchItems(const StorageIndex::Children& childre
     }
   }
   // The text stands still only now.
-  const auto viewOf = [&](const Span& span) { return std::string_view(result.text).substr(span.start, span.length); };
+  const auto viewOf = [&](const Span& span) { return std::string_view(result.text.data() + span.start, span.length); };
   for (std::size_t index = 0; index < names.size(); ++index) {
     result.items[index].lowercasedName = viewOf(names[index]);
   }

@@ -37,7 +37,7 @@ class StorageIndex {
   struct SearchItems {
     std::vector<SearchItem> items;          ///< all nodes but the root, largest first, equal sizes by path
     std::vector<std::string_view> parents;  ///< the case-folded path of each folder that holds one
-    std::string text;                       ///< what the views above point into
+    std::vector<char> text;                 ///< what the views above point into, wherever this value is moved to
   };
 
   /// The first caller builds them, the others wait.

@@ -39,13 +39,22 @@ TEST(LinuxPlaces, FollowVariablesThatAreAbsolute) {
                      "/home/anna/.local/state",
                      "/home/anna/.local/share/Lumenary",
                      "/home/anna/.config/Lumenary/defaults.json",
-                     ::geteuid()};
+                     ::geteuid(),
+                     "/home",
+                     true};
   const Places chosen{
       "/anna",    "/data", "/etc/anna", "/cache", "/state", "/data/Lumenary", "/etc/anna/Lumenary/defaults.json",
-      ::geteuid()};
+      ::geteuid(), "/home", true};
   EXPECT_EQ(placesWith("/home/anna/"), usual);
   EXPECT_EQ(placesWith("/home//anna", "", "config", "./cache", "~/state"), usual);
   EXPECT_EQ(placesWith("/anna", "/data/", "/etc/anna", "/cache", "/state"), chosen);
+}
+
+TEST(LinuxPlaces, TellWhereThePersonsHomeIsHidden) {
+  for (const char* variable : {"FLATPAK_ID", "SNAP"}) {
+    EXPECT_FALSE(placesOf([&](const char* name) { return std::string_view(name) == variable ? "x" : nullptr; })
+                     .hasFullDiskAccess);
+  }
 }
 
 TEST(LinuxPlaces, KnowAHomeWithoutTheVariable) {
