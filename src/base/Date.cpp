@@ -1,8 +1,6 @@
 #include "base/Date.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 
 namespace lumenary {
 namespace {
@@ -36,6 +34,12 @@ int numberAt(std::string_view text, std::size_t position, std::size_t digits) {
   return number;
 }
 
+void writeNumber(std::string& text, std::size_t position, std::size_t digits, int number) {
+  for (; digits > 0; --digits, number /= 10) {
+    text[position + digits - 1] = static_cast<char>('0' + number % 10);
+  }
+}
+
 unsigned partAt(std::string_view text, std::size_t position) {
   return static_cast<unsigned>(numberAt(text, position, 2));
 }
@@ -47,12 +51,14 @@ std::string iso8601(Date date) {
   const sys_days day = floor<days>(instant);
   const year_month_day calendar(day);
   const std::chrono::hh_mm_ss time(instant - day);
-  std::array<char, 24> text{};
-  const int length = std::snprintf(text.data(), text.size(), "%04d-%02u-%02uT%02d:%02d:%02dZ",
-                                   static_cast<int>(calendar.year()), static_cast<unsigned>(calendar.month()),
-                                   static_cast<unsigned>(calendar.day()), static_cast<int>(time.hours().count()),
-                                   static_cast<int>(time.minutes().count()), static_cast<int>(time.seconds().count()));
-  return {text.data(), static_cast<std::size_t>(length)};
+  std::string text(pattern);
+  writeNumber(text, 0, 4, static_cast<int>(calendar.year()));
+  writeNumber(text, 5, 2, static_cast<int>(static_cast<unsigned>(calendar.month())));
+  writeNumber(text, 8, 2, static_cast<int>(static_cast<unsigned>(calendar.day())));
+  writeNumber(text, 11, 2, static_cast<int>(time.hours().count()));
+  writeNumber(text, 14, 2, static_cast<int>(time.minutes().count()));
+  writeNumber(text, 17, 2, static_cast<int>(time.seconds().count()));
+  return text;
 }
 
 std::optional<Date> parseISO8601(std::string_view text) {

@@ -23,9 +23,19 @@ constexpr auto isKept = [] {
   return kept;
 }();
 
-bool holdsDotComponent(const std::string& path) {
-  const std::string closed = path + '/';
-  return closed.contains("/./") || closed.contains("/../");
+bool holdsDotComponent(std::string_view path) {
+  for (std::size_t at = path.find("/."); at != std::string_view::npos; at = path.find("/.", at + 1)) {
+    const std::string_view component = path.substr(at + 1, path.find('/', at + 1) - at - 1);
+    if (component == "." || component == "..") {
+      return true;
+    }
+  }
+  return false;
+}
+
+/// How many bytes at the start fulfil the condition.
+std::size_t lengthOfRun(std::string_view bytes, auto condition) {
+  return static_cast<std::size_t>(std::ranges::find_if_not(bytes, condition) - bytes.begin());
 }
 
 }  // namespace
@@ -59,14 +69,15 @@ std::optional<FileURL> parseFileURL(std::string_view text) {
 
 std::string percentEncoded(std::string_view path) {
   std::string text;
-  text.reserve(path.size());
-  for (const char character : path) {
-    const auto byte = static_cast<std::uint8_t>(character);
-    if (isKept[byte]) {
-      text += character;
-    } else {
+  text.reserve(path.size() + 16);
+  while (!path.empty()) {
+    const std::size_t run = lengthOfRun(path, [](char byte) { return isKept[static_cast<std::uint8_t>(byte)]; });
+    text.append(path.substr(0, run));
+    path.remove_prefix(run);
+    if (!path.empty()) {
       text += '%';
-      appendHex(text, byte);
+      appendHex(text, static_cast<std::uint8_t>(path.front()));
+      path.remove_prefix(1);
     }
   }
   return text;
@@ -76,14 +87,18 @@ std::optional<std::string> percentDecoded(std::string_view text) {
   std::string bytes;
   bytes.reserve(text.size());
   while (!text.empty()) {
-    const bool isEncoded = text.starts_with('%');
-    const std::optional<std::uint8_t> byte =
-        isEncoded ? hexByte(text.substr(1, 2)) : static_cast<std::uint8_t>(text.front());
+    const std::size_t run = lengthOfRun(text, [](char byte) { return byte != '%' && byte != '\0'; });
+    bytes.append(text.substr(0, run));
+    text.remove_prefix(run);
+    if (text.empty()) {
+      break;
+    }
+    const std::optional<std::uint8_t> byte = text.front() == '%' ? hexByte(text.substr(1, 2)) : std::nullopt;
     if (!byte || *byte == 0) {
       return std::nullopt;
     }
     bytes += static_cast<char>(*byte);
-    text.remove_prefix(isEncoded ? 3 : 1);
+    text.remove_prefix(3);
   }
   return bytes;
 }

@@ -1,12 +1,14 @@
 #include "base/JsonWriter.h"
 
-#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <utility>
 
 #include "base/Hex.h"
+#include "base/Text.h"
 
 namespace lumenary {
 namespace {
@@ -58,11 +60,31 @@ bool needsEscape(char character) {
   return static_cast<unsigned char>(character) < 0x20 || character == '"' || character == '\\';
 }
 
+/// How many characters at the start stand for themselves. Eight at once: most texts need no escape at all.
+std::size_t lengthWithoutEscape(std::string_view text) {
+  constexpr std::uint64_t ones = 0x0101'0101'0101'0101U;
+  constexpr std::uint64_t highBits = 0x80 * ones;
+  // The high bit of each byte that is zero; a carry can only add bits above the lowest that is right.
+  const auto zeros = [](std::uint64_t word) { return (word - ones) & ~word & highBits; };
+  std::size_t length = 0;
+  for (; text.size() - length >= 8; length += 8) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, text.data() + length, 8);
+    const std::uint64_t control = (word - 0x20 * ones) & ~word & highBits;
+    if ((control | zeros(word ^ '"' * ones) | zeros(word ^ '\\' * ones)) != 0) {
+      break;
+    }
+  }
+  while (length < text.size() && !needsEscape(text[length])) {
+    ++length;
+  }
+  return length;
+}
+
 void appendString(std::string& out, std::string_view text) {
   out += '"';
   while (!text.empty()) {
-    // Whole runs at once: most texts need no escape at all.
-    const auto run = static_cast<std::size_t>(std::ranges::find_if(text, needsEscape) - text.begin());
+    const std::size_t run = lengthWithoutEscape(text);
     out += text.substr(0, run);
     text.remove_prefix(run);
     if (!text.empty()) {
@@ -75,7 +97,7 @@ void appendString(std::string& out, std::string_view text) {
 
 }  // namespace
 
-JsonWriter::JsonWriter(Layout layout) : layout_(layout) {}
+JsonWriter::JsonWriter(Layout layout, std::size_t expectedBytes) : layout_(layout) { out_.reserve(expectedBytes); }
 
 JsonWriter& JsonWriter::beginObject() {
   open('{');
@@ -109,6 +131,14 @@ JsonWriter& JsonWriter::string(std::string_view text) {
   beforeValue();
   appendString(out_, text);
   return *this;
+}
+
+JsonWriter& JsonWriter::bytes(std::string_view bytes) {
+  return isASCII(bytes) ? string(bytes) : string(reversibleText(bytes));
+}
+
+JsonWriter& JsonWriter::keyOfBytes(std::string_view bytes) {
+  return isASCII(bytes) ? key(bytes) : key(reversibleText(bytes));
 }
 
 JsonWriter& JsonWriter::integer(std::int64_t value) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -16,15 +17,19 @@ class JsonWriter {
     pretty,   ///< two blanks a level, one member or element a line, "key": value
   };
 
-  explicit JsonWriter(Layout layout);
+  /// `expectedBytes`: how long the text will be, roughly, where that is known.
+  explicit JsonWriter(Layout layout, std::size_t expectedBytes = 0);
 
   JsonWriter& beginObject();
   JsonWriter& endObject();
   JsonWriter& beginArray();
   JsonWriter& endArray();
   JsonWriter& key(std::string_view name);
-  /// `text` must be valid UTF-8; see `reversibleText` for names.
+  /// `text` must be valid UTF-8; see `bytes` for names.
   JsonWriter& string(std::string_view text);
+  /// Any bytes, as the text that `reversibleText` makes of them.
+  JsonWriter& bytes(std::string_view bytes);
+  JsonWriter& keyOfBytes(std::string_view bytes);
   JsonWriter& integer(std::int64_t value);
   JsonWriter& unsignedInteger(std::uint64_t value);
   /// The shortest text that reads back as the same number; infinities and NaN have none and are written as null.

@@ -4,7 +4,20 @@
 
 namespace lumenary {
 
+namespace {
+
+/// Nothing in it that standardising would take away.
+bool isStandard(std::string_view path) {
+  return path.starts_with('/') && (path.size() == 1 || !path.ends_with('/')) && !path.contains("//") &&
+         !path.contains("/.");
+}
+
+}  // namespace
+
 std::string standardise(std::string_view path) {
+  if (isStandard(path)) {
+    return std::string(path);
+  }
   std::string result;
   for (std::size_t begin = 0; begin < path.size();) {
     const std::size_t end = std::min(path.find('/', begin), path.size());

@@ -19,10 +19,6 @@ bool isBetween(std::uint32_t value, std::uint32_t lowest, std::uint32_t highest)
   return lowest <= value && value <= highest;
 }
 
-bool isASCII(std::string_view bytes) {
-  return std::ranges::none_of(bytes, [](char byte) { return static_cast<std::uint8_t>(byte) >= 0x80; });
-}
-
 /// What the first byte of a sequence says of the rest.
 struct Lead {
   std::uint8_t first = 0;
@@ -110,6 +106,15 @@ std::size_t utf8SequenceLength(std::string_view bytes) {
                            return isBetween(static_cast<std::uint8_t>(byte), 0x80, 0xBF);
                          });
   return continues ? lead->length : 0;
+}
+
+bool isASCII(std::string_view bytes) {
+  // Without a way out in the middle the compiler takes many bytes at once.
+  unsigned all = 0;
+  for (const char byte : bytes) {
+    all |= static_cast<std::uint8_t>(byte);
+  }
+  return all < 0x80;
 }
 
 std::string displayText(std::string_view bytes) {

@@ -1,5 +1,7 @@
 #include "base/UUID.h"
 
+#include <algorithm>
+#include <functional>
 #include <random>
 
 #include "base/Hex.h"
@@ -12,14 +14,23 @@ constexpr std::size_t textLength = 36;
 /// Whether a dash stands before this byte in the text.
 constexpr bool followsDash(std::size_t byte) { return byte == 4 || byte == 6 || byte == 8 || byte == 10; }
 
+std::mt19937_64 seededGenerator() {
+  std::random_device device;
+  std::array<std::uint32_t, 16> entropy{};
+  std::ranges::generate(entropy, std::ref(device));
+  std::seed_seq seed(entropy.begin(), entropy.end());
+  return std::mt19937_64(seed);
+}
+
 }  // namespace
 
 UUID UUID::random() {
-  std::random_device device;
+  // Asking the system each time takes 6 µs, and a scan makes 20,000.
+  thread_local std::mt19937_64 generator = seededGenerator();
   UUID uuid;
-  for (std::size_t i = 0; i < uuid.bytes.size(); i += 4) {
-    const std::uint32_t drawn = device();
-    for (std::size_t j = 0; j < 4; ++j) {
+  for (std::size_t i = 0; i < uuid.bytes.size(); i += 8) {
+    const std::uint64_t drawn = generator();
+    for (std::size_t j = 0; j < 8; ++j) {
       uuid.bytes[i + j] = static_cast<std::uint8_t>(drawn >> (8 * j));
     }
   }

@@ -61,7 +61,7 @@ std::string encodeJournalEntry(const JournalEntry& entry) {
   json.key("kind").string(kindTexts.at(static_cast<std::size_t>(intent.identity.kind)));
   json.key("measuredBytes").integer(entry.measuredBytes);
   json.key("originalURL").string(fileURLString({.path = intent.originalPath, .isFolder = isFolder}));
-  json.key("ruleID").string(reversibleText(entry.ruleID));
+  json.key("ruleID").bytes(entry.ruleID);
   json.key("source").string(rawValue(entry.source));
   json.key("transactionID").string(entry.transactionID.text());
   json.key("trashURL").string(fileURLString({.path = intent.trashPath, .isFolder = isFolder}));

@@ -25,11 +25,11 @@ void encodeItem(JsonWriter& json, const Item& item) {
   json.beginObject();
   json.key("id").string(item.id.text());
   json.key("measuredBytes").integer(item.measuredBytes);
-  json.key("message").string(reversibleText(item.message));
+  json.key("message").bytes(item.message);
   json.key("originalURL").string(fileURLString(item.originalURL));
   json.key("outcome").string(rawValue(item.outcome));
-  json.key("ruleID").string(reversibleText(item.ruleID));
-  json.key("ruleVersion").string(reversibleText(item.ruleVersion));
+  json.key("ruleID").bytes(item.ruleID);
+  json.key("ruleVersion").bytes(item.ruleVersion);
   if (item.trashURL) {
     json.key("trashURL").string(fileURLString(*item.trashURL));
   }

@@ -29,7 +29,8 @@ class NameArena {
 };
 
 /// The whole tree of folders in three parallel arrays: 20 bytes a folder and its name. The arrays come in blocks that
-/// never move, so that a folder may be read while another thread adds one, by whoever got its id from the adding thread.
+/// never move, so that a folder may be read while another thread adds one, by whoever got its id from the adding
+/// thread.
 class FolderTable {
  public:
   /// The first folder, the root, is named by its whole path.

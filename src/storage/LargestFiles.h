@@ -19,8 +19,8 @@ struct TrackedFile {
   StorageCategory category = StorageCategory::unclassified;
 };
 
-/// The largest files of a scan, by bytes and equal ones by path, so that the choice doesn't depend on the order in which
-/// they came. Bounded on any tree.
+/// The largest files of a scan, by bytes and equal ones by path, so that the choice doesn't depend on the order in
+/// which they came. Bounded on any tree.
 class LargestFiles {
  public:
   static constexpr std::int64_t smallestByteCount = 1'048'576;

@@ -9,8 +9,8 @@
 
 namespace lumenary {
 
-/// The files of a scan that have several names. Each counts once, in the folder of its smallest path: which one a worker
-/// met first must not show.
+/// The files of a scan that have several names. Each counts once, in the folder of its smallest path: which one a
+/// worker met first must not show.
 class LinkedFiles {
  public:
   explicit LinkedFiles(const FolderTable& folders) : folders_(folders) {}

@@ -82,7 +82,7 @@ void encodeEntry(JsonWriter& json, const FileEntry& entry, DateForm dates) {
   json.beginObject();
   json.key("id").string(entry.id.text());
   json.key("url").string(fileURLString(entry.url));
-  json.key("name").string(reversibleText(entry.name));
+  json.key("name").bytes(entry.name);
   json.key("kind").string(rawValue(entry.kind));
   json.key("byteCount").integer(entry.byteCount);
   if (entry.modifiedAt) {
@@ -155,7 +155,10 @@ std::optional<ScanHistoryPoint> decodePoint(const JsonValue& object) {
 }  // namespace
 
 std::string encodeScanResult(const StorageScanResult& result, DateForm dates) {
-  JsonWriter json(JsonWriter::Layout::compact);
+  constexpr std::size_t bytesOfEntry = 320;
+  constexpr std::size_t bytesOfFolder = 96;
+  const std::size_t folders = result.folderByteTotals ? result.folderByteTotals->size() : 0;
+  JsonWriter json(JsonWriter::Layout::compact, result.entries.size() * bytesOfEntry + folders * bytesOfFolder);
   json.beginObject();
   json.key("root").string(fileURLString(result.root));
   json.key("scannedAt");
@@ -164,7 +167,7 @@ std::string encodeScanResult(const StorageScanResult& result, DateForm dates) {
   json.key("scannedItemCount").integer(result.scannedItemCount);
   json.key("inaccessiblePaths").beginArray();
   for (const std::string& path : result.inaccessiblePaths) {
-    json.string(reversibleText(path));
+    json.bytes(path);
   }
   json.endArray();
   json.key("entries").beginArray();
@@ -179,7 +182,7 @@ std::string encodeScanResult(const StorageScanResult& result, DateForm dates) {
   if (result.folderByteTotals) {
     json.key("folderByteTotals").beginObject();
     for (const auto& [path, bytes] : *result.folderByteTotals) {
-      json.key(reversibleText(path)).integer(bytes);
+      json.keyOfBytes(path).integer(bytes);
     }
     json.endObject();
   }

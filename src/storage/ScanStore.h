@@ -21,7 +21,7 @@ namespace lumenary {
 
 /// Why a stored scan could not be read.
 struct ScanLoadError {
-  std::optional<SystemError> system;  ///< the file could not be read
+  std::optional<SystemError> system;        ///< the file could not be read
   std::optional<JsonDocument::Error> text;  ///< it could, but holds no result
 
   /// A sentence for a person.
@@ -48,8 +48,8 @@ class ScanStore {
   /// Makes the folder where it is missing; where that fails, later writes fail.
   ScanStore(DurableFiles& files, std::string supportFolder, PerfProbe probe = {});
 
-  /// Replaces the last result of that root, in the readable form and in the fast one. On the disk when it returns. Never
-  /// holds a `load` up: that finds the former result or the new one, whole.
+  /// Replaces the last result of that root, in the readable form and in the fast one. On the disk when it returns.
+  /// Never holds a `load` up: that finds the former result or the new one, whole.
   std::expected<void, SystemError> save(const StorageScanResult& result);
 
   /// The last result of that root; none where nothing was saved. The fast form is asked first, and made where it is
@@ -59,8 +59,8 @@ class ScanStore {
   /// Oldest first; empty where nothing was kept or it can't be read.
   std::vector<ScanHistoryPoint> loadHistory();
   std::vector<TidyReceipt> loadTidyLog();
-  /// Adds at the end and keeps the newest 30. The answer is the list, whether or not it could be written. What could not
-  /// be decoded is lost; what could not be read this time stays.
+  /// Adds at the end and keeps the newest 30. The answer is the list, whether or not it could be written. What could
+  /// not be decoded is lost; what could not be read this time stays.
   std::vector<ScanHistoryPoint> appendHistory(const ScanHistoryPoint& point);
   /// The same with the newest 50.
   std::vector<TidyReceipt> appendTidy(const TidyReceipt& receipt);

@@ -1,6 +1,7 @@
-// The last result of each root stands in two files that differ in nothing but their dates. The readable one is the truth;
-// the fast one spares the start the reading of 20,000 dates, and can be made again from the other at any time. So the fast
-// one goes before the readable one changes: whoever is killed in between leaves a true file and no stale one.
+// The last result of each root stands in two files that differ in nothing but their dates. The readable one is the
+// truth; the fast one spares the start the reading of 20,000 dates, and can be made again from the other at any time.
+// So the fast one goes before the readable one changes: whoever is killed in between leaves a true file and no stale
+// one.
 
 #include <chrono>
 #include <cstdio>

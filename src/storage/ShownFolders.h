@@ -9,8 +9,9 @@
 
 namespace lumenary {
 
-/// The folders of a scan that are worth a path in its result: from the root down those of 1 MiB and more, in each folder
-/// the 40 largest, and beyond these the ones of 50 MiB and more; and whatever stands above a file that is listed.
+/// The folders of a scan that are worth a path in its result: from the root down those of 1 MiB and more, in each
+/// folder the 40 largest, and beyond these the ones of 50 MiB and more; and whatever stands above a file that is
+/// listed.
 class ShownFolders {
  public:
   static constexpr std::int64_t smallestTotal = 1'048'576;

@@ -6,8 +6,8 @@
 #include <thread>
 #include <vector>
 
-#include "base/Path.h"
 #include "base/CheckedSum.h"
+#include "base/Path.h"
 #include "storage/PlacesNotEntered.h"
 #include "storage/ScanState.h"
 #include "storage/ScanWorker.h"
@@ -20,10 +20,9 @@ constexpr auto excludedWholeMacRoots = std::to_array<std::string_view>(
     {"/System/Volumes", "/Volumes", "/dev", "/Network", "/.vol", "/.MobileBackups", "/home", "/net"});
 
 /// Below the person's home folder.
-constexpr auto privacyGatedFolders =
-    std::to_array<std::string_view>({"/Library/Containers", "/Library/Group Containers", "/Library/Mail",
-                                     "/Library/Messages", "/Library/Safari", "/Library/Photos",
-                                     "/Pictures/Photos Library.photoslibrary"});
+constexpr auto privacyGatedFolders = std::to_array<std::string_view>(
+    {"/Library/Containers", "/Library/Group Containers", "/Library/Mail", "/Library/Messages", "/Library/Safari",
+     "/Library/Photos", "/Pictures/Photos Library.photoslibrary"});
 
 /// What of `path` stands below `root`: "a/b"; empty where it doesn't.
 std::string_view relativeTo(std::string_view root, std::string_view path) {

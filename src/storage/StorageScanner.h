@@ -32,10 +32,10 @@ class StorageScanner {
                  std::function<Date()> now, unsigned processors)
       : reader_(reader), mountTable_(mountTable), places_(places), now_(std::move(now)), processors_(processors) {}
 
-  /// Reads everything at and below the folder `root`, on threads of its own, and blocks until they have ended. Links are
-  /// never followed, and no other volume is entered. Counted are the blocks of regular files, a file with several names
-  /// once, in the folder of its smallest path; the result doesn't depend on the order in which threads come to things. A
-  /// byte sum that leaves 64 bits stops the program.
+  /// Reads everything at and below the folder `root`, on threads of its own, and blocks until they have ended. Links
+  /// are never followed, and no other volume is entered. Counted are the blocks of regular files, a file with several
+  /// names once, in the folder of its smallest path; the result doesn't depend on the order in which threads come to
+  /// things. A byte sum that leaves 64 bits stops the program.
   std::expected<StorageScanResult, StorageScannerError> scan(const std::string& root,
                                                              const ScanProgressCallback& progress = {},
                                                              const std::stop_token& stop = {}) const;

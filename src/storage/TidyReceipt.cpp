@@ -31,7 +31,7 @@ std::string encodeTidyLog(std::span<const TidyReceipt> receipts) {
     json.key("freedBytes").integer(receipt.freedBytes);
     json.key("lines").beginArray();
     for (const std::string& line : receipt.lines) {
-      json.string(reversibleText(line));
+      json.bytes(line);
     }
     json.endArray();
     json.key("automatic").boolean(receipt.automatic);

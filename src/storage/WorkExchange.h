@@ -26,8 +26,13 @@ struct OpenFolder {
 
   /// The same folder, not open.
   OpenFolder closed() const {
-    return {.descriptor = {}, .id = id, .depth = depth, .identity = identity, .isIdentified = isIdentified,
-            .marks = marks, .places = places};
+    return {.descriptor = {},
+            .id = id,
+            .depth = depth,
+            .identity = identity,
+            .isIdentified = isIdentified,
+            .marks = marks,
+            .places = places};
   }
 };
 

@@ -43,7 +43,7 @@ TEST(LinuxPlaces, FollowVariablesThatAreAbsolute) {
                      "/home",
                      true};
   const Places chosen{
-      "/anna",    "/data", "/etc/anna", "/cache", "/state", "/data/Lumenary", "/etc/anna/Lumenary/defaults.json",
+      "/anna",     "/data", "/etc/anna", "/cache", "/state", "/data/Lumenary", "/etc/anna/Lumenary/defaults.json",
       ::geteuid(), "/home", true};
   EXPECT_EQ(placesWith("/home/anna/"), usual);
   EXPECT_EQ(placesWith("/home//anna", "", "config", "./cache", "~/state"), usual);
@@ -52,8 +52,9 @@ TEST(LinuxPlaces, FollowVariablesThatAreAbsolute) {
 
 TEST(LinuxPlaces, TellWhereThePersonsHomeIsHidden) {
   for (const char* variable : {"FLATPAK_ID", "SNAP"}) {
-    EXPECT_FALSE(placesOf([&](const char* name) { return std::string_view(name) == variable ? "x" : nullptr; })
-                     .hasFullDiskAccess);
+    EXPECT_FALSE(placesOf([&](const char* name) {
+                   return std::string_view(name) == variable ? "x" : nullptr;
+                 }).hasFullDiskAccess);
   }
 }
 

@@ -118,12 +118,12 @@ TEST(ScanJson, TakesTheLastOfRepeatedPathsAndSortsThem) {
 }
 
 TEST(ScanJson, WritesAndReadsTheHistory) {
-  const std::vector<ScanHistoryPoint> points = {{noon, 10, {{StorageCategory::caches, 3}, {StorageCategory::system, 7}}},
-                                                {noon + std::chrono::hours(24), 12, {}}};
+  const std::vector<ScanHistoryPoint> points = {
+      {noon, 10, {{StorageCategory::caches, 3}, {StorageCategory::system, 7}}},
+      {noon + std::chrono::hours(24), 12, {}}};
   const std::string text = encodeScanHistory(points);
-  EXPECT_EQ(text,
-            R"([{"date":"2026-11-23T12:00:00Z","usedBytes":10,"categoryTotals":["Caches",3,"System Data",7]},)"
-            R"({"date":"2026-11-24T12:00:00Z","usedBytes":12,"categoryTotals":[]}])");
+  EXPECT_EQ(text, R"([{"date":"2026-11-23T12:00:00Z","usedBytes":10,"categoryTotals":["Caches",3,"System Data",7]},)"
+                  R"({"date":"2026-11-24T12:00:00Z","usedBytes":12,"categoryTotals":[]}])");
   EXPECT_EQ(decodeScanHistory(text), points);
   EXPECT_FALSE(decodeScanHistory(replaced(text, "usedBytes", "used")));
 }

@@ -16,8 +16,8 @@ TEST(FolderTable, ComparesPathsNameByName) {
   const FolderID z = folders.add("z", 0);
   EXPECT_EQ(folders.path(c), "/r/a/b/c");
   const std::tuple<FolderID, const char*, FolderID, const char*> ascending[] = {
-      {0, "A", 0, "B"}, {c, "x", c, "y"}, {c, "x", b, "x"}, {b, "bb", b, "c"}, {b, "a", b, "c"}, {c, "z", z, "a"},
-      {c, "x", 0, "b"}, {a, "x", 0, "y"}};
+      {0, "A", 0, "B"}, {c, "x", c, "y"}, {c, "x", b, "x"}, {b, "bb", b, "c"},
+      {b, "a", b, "c"}, {c, "z", z, "a"}, {c, "x", 0, "b"}, {a, "x", 0, "y"}};
   for (const auto& [folder, name, otherFolder, otherName] : ascending) {
     EXPECT_TRUE(folders.comparePaths(folder, name, otherFolder, otherName) < 0) << name << " " << otherName;
     EXPECT_TRUE(folders.comparePaths(otherFolder, otherName, folder, name) > 0) << name << " " << otherName;
@@ -38,7 +38,8 @@ TEST(LargestFiles, KeepsTheLargestWhateverTheOrder) {
   const auto& sorted = files.sorted();
   ASSERT_EQ(sorted.size(), LargestFiles::kept);
   for (std::size_t index = 0; index < sorted.size(); ++index) {
-    const std::int64_t number = count - 1 - static_cast<std::int64_t>(index) / 2 * 2 - 1 + static_cast<std::int64_t>(index) % 2;
+    const std::int64_t number =
+        count - 1 - static_cast<std::int64_t>(index) / 2 * 2 - 1 + static_cast<std::int64_t>(index) % 2;
     const std::int64_t pair = number / 2;
     ASSERT_EQ(sorted[index].byteCount, mebibyte + pair) << index;
     const auto [first, second] = std::minmax(std::to_string(2 * pair), std::to_string(2 * pair + 1));

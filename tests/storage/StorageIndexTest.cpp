@@ -12,7 +12,11 @@ namespace {
 using Names = std::vector<std::string>;
 
 FileEntry file(const std::string& path, std::int64_t bytes) {
-  return {.id = {}, .url = {.path = path}, .name = std::string(lastPathComponent(path)), .byteCount = bytes, .modifiedAt = {}};
+  return {.id = {},
+          .url = {.path = path},
+          .name = std::string(lastPathComponent(path)),
+          .byteCount = bytes,
+          .modifiedAt = {}};
 }
 
 StorageScanResult resultOf(std::vector<FolderByteTotals::Folder> folders, std::vector<FileEntry> files) {
@@ -63,18 +67,16 @@ TEST(StorageIndex, NeverListsTheRootOfTheWholeDisk) {
 
 class StorageSearch : public testing::Test {
  protected:
-  StorageScanResult result = resultOf({{"/Users/a", 900}, {"/Users/a/PDF", 10}, {"/Users/a/my.pdf", 300}},
-                                      {file("/Users/a/pdf", 20),
-                                       file("/Users/a/PDF/pdf", 20),
-                                       file("/Users/a/Pdf-large", 500),
-                                       file("/Users/a/a pdf", 400),
-                                       file("/Users/a/ΟΔΟΣ", 7),
-                                       file("/Users/a/pdf.d/deep", 600)});
+  StorageScanResult result =
+      resultOf({{"/Users/a", 900}, {"/Users/a/PDF", 10}, {"/Users/a/my.pdf", 300}},
+               {file("/Users/a/pdf", 20), file("/Users/a/PDF/pdf", 20), file("/Users/a/Pdf-large", 500),
+                file("/Users/a/a pdf", 400), file("/Users/a/ΟΔΟΣ", 7), file("/Users/a/pdf.d/deep", 600)});
 };
 
 TEST_F(StorageSearch, RanksBeforeItSizes) {
   const std::tuple<const char*, std::size_t, Names> cases[] = {
-      {"  PDF ", 9,
+      {"  PDF ",
+       9,
        {"/Users/a/PDF/pdf", "/Users/a/pdf", "/Users/a/PDF", "/Users/a/Pdf-large", "/Users/a/a pdf", "/Users/a/my.pdf"}},
       {"pdf", 2, {"/Users/a/PDF/pdf", "/Users/a/pdf"}},
       {"pdf", 4, {"/Users/a/PDF/pdf", "/Users/a/pdf", "/Users/a/PDF", "/Users/a/Pdf-large"}},

@@ -1,5 +1,3 @@
-#include "storage/StorageScanner.h"
-
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -13,6 +11,7 @@
 #include "base/Path.h"
 #include "platform/linux/LinuxFileReader.h"
 #include "storage/ScanJson.h"
+#include "storage/StorageScanner.h"
 #include "support/HookedReader.h"
 #include "support/ReferenceWalk.h"
 #include "support/TemporaryTree.h"
@@ -80,19 +79,19 @@ Paths pathsOf(const std::vector<FileEntry>& entries, const TemporaryTree& tree) 
 
 /// Folders and files of all kinds, one folder so wide that its entries are shared among the workers.
 std::unique_ptr<TemporaryTree> variedTree() {
-  auto tree = std::make_unique<TemporaryTree>(std::initializer_list<TreeEntry>{
-      {"Documents/report.pdf", 2 * mebibyte},
-      {"Documents/copy.pdf", HardLinkTo{"Documents/report.pdf"}},
-      {"Archive/copy.pdf", HardLinkTo{"Documents/report.pdf"}},
-      {"Documents/small", 100},
-      {"zz/small-too", HardLinkTo{"Documents/small"}},
-      {"link-to-file", LinkTo{"Documents/report.pdf"}},
-      {"link-to-folder", LinkTo{"Documents"}},
-      {"link-in-a-circle/up", LinkTo{".."}},
-      {"empty/"},
-      {std::string("odd/") + std::string(255, 'n'), 10},
-      {"odd/line\nbreak", 10},
-      {"odd/not-utf8-\xFF\xC3/inside\x80", 10}});
+  auto tree = std::make_unique<TemporaryTree>(
+      std::initializer_list<TreeEntry>{{"Documents/report.pdf", 2 * mebibyte},
+                                       {"Documents/copy.pdf", HardLinkTo{"Documents/report.pdf"}},
+                                       {"Archive/copy.pdf", HardLinkTo{"Documents/report.pdf"}},
+                                       {"Documents/small", 100},
+                                       {"zz/small-too", HardLinkTo{"Documents/small"}},
+                                       {"link-to-file", LinkTo{"Documents/report.pdf"}},
+                                       {"link-to-folder", LinkTo{"Documents"}},
+                                       {"link-in-a-circle/up", LinkTo{".."}},
+                                       {"empty/"},
+                                       {std::string("odd/") + std::string(255, 'n'), 10},
+                                       {"odd/line\nbreak", 10},
+                                       {"odd/not-utf8-\xFF\xC3/inside\x80", 10}});
   for (int number = 0; number < 700; ++number) {
     const std::string name = "wide/" + std::to_string(number);
     tree->build({{name, number % 3 * 3'000}});
@@ -356,18 +355,16 @@ TEST_F(StorageScannerTest, LeavesTheGivenFoldersOutOfTheWholeDisk) {
 TEST_F(StorageScannerTest, GoesOnWhereThingsVanishOrChange) {
   TemporaryTree tree({{"a/kept", 5'000}, {"a/vanishing", 5'000}, {"a/turning", 5'000}, {"a/growing", 5'000}});
   std::once_flag vanish;
-  const HookedReader reader(
-      realReader,
-      [&](Call call, std::string_view name) -> std::optional<SystemError> {
-        if (call == Call::attributes && !name.empty() && name != tree.root()) {
-          std::call_once(vanish, [&] {
-            tree.remove("a/vanishing");
-            tree.remove("a/turning");
-            tree.build({{"a/turning/in/"}, {"a/growing", 50'000}});
-          });
-        }
-        return {};
+  const HookedReader reader(realReader, [&](Call call, std::string_view name) -> std::optional<SystemError> {
+    if (call == Call::attributes && !name.empty() && name != tree.root()) {
+      std::call_once(vanish, [&] {
+        tree.remove("a/vanishing");
+        tree.remove("a/turning");
+        tree.build({{"a/turning/in/"}, {"a/growing", 50'000}});
       });
+    }
+    return {};
+  });
   const StorageScanResult result = scan(reader, tree.root());
   EXPECT_EQ(result.totalBytes, tree.allocatedBytes({"a/kept", "a/growing"}));
   EXPECT_EQ(result.scannedItemCount, 5);

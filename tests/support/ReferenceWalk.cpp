@@ -37,7 +37,8 @@ ReferenceWalk referenceWalk(const std::string& root) {
       walk.folderBytes[item.path()] += 0;
     } else if (S_ISREG(found.st_mode)) {
       // A file with one name is a key of its own.
-      const auto key = found.st_nlink > 1 ? std::pair(found.st_dev, found.st_ino) : std::pair(dev_t{0}, ino_t{++number});
+      const auto key =
+          found.st_nlink > 1 ? std::pair(found.st_dev, found.st_ino) : std::pair(dev_t{0}, ino_t{++number});
       const auto candidate = std::tuple(componentsOf(item.path()), item.path(), std::int64_t{found.st_blocks} * 512);
       const auto known = files.try_emplace(key, candidate).first;
       known->second = std::min(known->second, candidate);

@@ -15,7 +15,7 @@ void write(JsonWriter& json, const Listing& listing, const CleanupCandidate& can
   json.key("bytes").integer(candidate.byteCount);
   json.key("classification").string(isKnown ? "known" : "review");
   if (wasTried && !result->second) {
-    json.key("error").string(reversibleText(result->second.error()));
+    json.key("error").bytes(result->second.error());
   }
   json.key("lastUsed");
   if (date == listing.lastUsed.end()) {
@@ -26,7 +26,7 @@ void write(JsonWriter& json, const Listing& listing, const CleanupCandidate& can
   if (wasTried) {
     json.key("moved").boolean(result->second.has_value());
   }
-  json.key("path").string(reversibleText(candidate.url.path));
+  json.key("path").bytes(candidate.url.path);
   json.endObject();
 }
 
