@@ -6,7 +6,7 @@ import pathlib
 import re
 import sys
 
-FLOORS = ["base", "platform", "storage", "cleanup", "cleanup/command", "core"]
+FLOORS = ["base", "platform", "storage", "cleanup", "cleanup/command", "core", "surfaces"]
 
 SYSTEM_FOLDERS = ("platform/linux/", "base/linux/")
 LIBRARIES = {"simdjson.h": ("base/JsonReader.cpp", "base/linux/"), "utf8proc.h": ("base/Unicode.cpp",)}
