@@ -69,19 +69,21 @@ std::string encodeJournalEntry(const JournalEntry& entry) {
   return json.take() + "\n";
 }
 
-std::expected<std::vector<JournalEntry>, JsonDocument::Error> decodeJournal(std::string_view text) {
-  std::vector<JournalEntry> entries;
+std::expected<DecodedJournal, JsonDocument::Error> decodeJournal(std::string_view text) {
+  DecodedJournal journal;
   for (auto end = text.find('\n'); end != std::string_view::npos; end = text.find('\n')) {
     const auto line = JsonDocument::parse(text.substr(0, end));
     if (!line && line.error() == JsonDocument::Error::unavailable) {
       return std::unexpected(line.error());
     }
     if (auto entry = line ? decodeEntry(line->root()) : std::nullopt) {
-      entries.push_back(*std::move(entry));
+      journal.entries.push_back(*std::move(entry));
+    } else {
+      journal.foreignLines += text.substr(0, end + 1);
     }
     text.remove_prefix(end + 1);
   }
-  return entries;
+  return journal;
 }
 
 CleanupJournal::CleanupJournal(DurableFiles& files, std::string supportFolder)

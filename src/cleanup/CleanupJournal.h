@@ -35,9 +35,14 @@ struct JournalEntry {
 /// A line of JSON with its line break: keys sorted, places as file URL text, dates as ISO 8601 text.
 std::string encodeJournalEntry(const JournalEntry& entry);
 
-/// The entries of a journal in their order. A line that isn't one of ours is passed over, and so is a last line that
-/// was cut by a crash: its act had not begun. `unavailable` alone is an error: then nothing is known of the text.
-std::expected<std::vector<JournalEntry>, JsonDocument::Error> decodeJournal(std::string_view text);
+struct DecodedJournal {
+  std::vector<JournalEntry> entries;  ///< in their order
+  std::string foreignLines;           ///< whole lines that aren't one of ours, with their line breaks
+};
+
+/// A last line that was cut by a crash is passed over: its act had not begun. `unavailable` alone is an error: then
+/// nothing is known of the text.
+std::expected<DecodedJournal, JsonDocument::Error> decodeJournal(std::string_view text);
 
 /// Blocks; one thread at a time. A journal that goes without `finish` stays on the disk for recovery.
 class CleanupJournal {

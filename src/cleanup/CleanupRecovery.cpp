@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -37,15 +38,18 @@ void setState(Item& item, Outcome outcome, std::optional<FileURL> trashURL, std:
   item.message = message;
 }
 
-/// The log with its items found by identity.
+/// The log with its items found by identity, and the places in the Trash that they claim.
 class IndexedLog {
  public:
   explicit IndexedLog(std::vector<CleanupTransaction>& transactions) : transactions_(transactions) {
     for (std::size_t position = 0; position < transactions.size(); ++position) {
       transactionPositions_.emplace(transactions[position].id, position);
       for (std::size_t item = 0; item < transactions[position].items.size(); ++item) {
-        itemPositions_.emplace(std::pair(transactions[position].id, transactions[position].items[item].id),
-                               std::pair(position, item));
+        const Item& each = transactions[position].items[item];
+        itemPositions_.emplace(std::pair(transactions[position].id, each.id), std::pair(position, item));
+        if (each.outcome == Outcome::movedToTrash && each.trashURL) {
+          claimed_.insert(each.trashURL->path);
+        }
       }
     }
   }
@@ -54,6 +58,10 @@ class IndexedLog {
     const auto found = itemPositions_.find({entry.transactionID, entry.itemID});
     return found == itemPositions_.end() ? nullptr : &transactions_[found->second.first].items[found->second.second];
   }
+
+  /// True the first time only, and not where an item on record stands at that place: of two records of one thing the
+  /// second would be put back in the other's stead.
+  bool claim(const std::string& trashPath) { return claimed_.insert(trashPath).second; }
 
   /// Adds an item that is in no transaction yet, and its transaction where the log has none.
   Item& add(const JournalEntry& entry) {
@@ -75,6 +83,7 @@ class IndexedLog {
   std::vector<CleanupTransaction>& transactions_;
   std::map<UUID, std::size_t> transactionPositions_;
   std::map<std::pair<UUID, UUID>, std::pair<std::size_t, std::size_t>> itemPositions_;
+  std::set<std::string> claimed_;
 };
 
 bool isRecordedIn(const Item& item, const std::string& trashPath) {
@@ -85,6 +94,9 @@ void recordMove(const SettledAct& act, IndexedLog& log) {
   const std::string& trashPath = act.entry.intent.trashPath;
   Item* item = log.find(act.entry);
   if (act.state == ActState::inTrash && (item == nullptr || item->outcome == Outcome::failed)) {
+    if (!log.claim(trashPath)) {
+      return;
+    }
     setState(item != nullptr ? *item : log.add(act.entry), Outcome::movedToTrash, urlOf(act.entry, trashPath),
              "Moved to Trash");
   } else if (act.state == ActState::atOrigin && (item == nullptr || isRecordedIn(*item, trashPath))) {
@@ -100,13 +112,16 @@ void recordRestore(const SettledAct& act, IndexedLog& log) {
 }
 
 /// Where each act ended, in the order of the attempts. Of several lines of one act the last tells of the attempt that
-/// counts; the earlier ones are settled as well, as each may have left an info file.
-std::vector<SettledAct> settleAll(std::vector<JournalEntry> entries, Trash& trash, bool& hasUnknown) {
+/// counts; the earlier ones are settled as well, as each may have left an info file. The lines of which nothing is
+/// known yet are added to `unsettled`.
+std::vector<SettledAct> settleAll(std::vector<JournalEntry> entries, Trash& trash, std::string& unsettled) {
   std::vector<SettledAct> acts;
   std::map<std::tuple<UUID, UUID, JournalEntry::Act>, std::size_t> positions;
   for (JournalEntry& entry : entries) {
     const ActState state = trash.settle(entry.intent);
-    hasUnknown = hasUnknown || state == ActState::unknown;
+    if (state == ActState::unknown) {
+      unsettled += encodeJournalEntry(entry);
+    }
     const auto [position, isNew] =
         positions.emplace(std::tuple(entry.transactionID, entry.itemID, entry.act), acts.size());
     if (isNew) {
@@ -143,14 +158,20 @@ void recoverJournal(const std::string& path, DurableFiles& files, ScanStore& sto
   if (!text) {
     return;
   }
-  auto entries = decodeJournal(*text);
-  if (!entries) {
+  auto journal = decodeJournal(*text);
+  if (!journal) {
     return;
   }
-  bool hasUnknown = false;
-  const std::vector<SettledAct> acts = settleAll(*std::move(entries), trash, hasUnknown);
-  if (record(acts, store) && !hasUnknown) {
+  std::string unsettled = std::move(journal->foreignLines);
+  const std::vector<SettledAct> acts = settleAll(std::move(journal->entries), trash, unsettled);
+  if (!record(acts, store)) {
+    return;
+  }
+  // What is settled and on record leaves the journal: told again after other acts, it would contradict them.
+  if (unsettled.empty()) {
     static_cast<void>(files.remove(path));
+  } else if (unsettled != *text) {
+    static_cast<void>(files.writeAtomically(path, unsettled));
   }
 }
 

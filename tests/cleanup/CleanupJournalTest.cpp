@@ -46,19 +46,21 @@ TEST(CleanupJournal, ReadsEveryLineThatIsWholeAndItsOwn) {
     const char* name;
     std::string text;
     std::string read;
+    std::string foreign{};
   } cases[] = {
       {"nothing", "", ""},
       {"two lines", one + two, one + two},
       {"a last line that was cut", one + two.substr(0, 40), one},
       {"a last line without its end", one + two.substr(0, two.size() - 1), one},
-      {"a damaged line between", one + "{\"act\":\n" + two, one + two},
-      {"another kind of line", "[]\n{}\n" + two, two},
-      {"a negative size", negative + one, one},
+      {"a damaged line between", one + "{\"act\":\n" + two, one + two, "{\"act\":\n"},
+      {"another kind of line", "[]\n{}\n" + two, two, "[]\n{}\n"},
+      {"a negative size", negative + one, one, negative},
   };
-  for (const auto& [name, text, read] : cases) {
-    const auto entries = decodeJournal(text);
-    ASSERT_TRUE(entries) << name;
-    EXPECT_EQ(textOf(*entries), read) << name;
+  for (const auto& [name, text, read, foreign] : cases) {
+    const auto journal = decodeJournal(text);
+    ASSERT_TRUE(journal) << name;
+    EXPECT_EQ(textOf(journal->entries), read) << name;
+    EXPECT_EQ(journal->foreignLines, foreign) << name;
   }
 }
 

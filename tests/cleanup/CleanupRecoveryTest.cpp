@@ -142,11 +142,33 @@ TEST(CleanupRecovery, AnActOnAVolumeThatIsAwayWaitsForAnotherTime) {
   aftermath.trash.states = {{"/away/files/dist", ActState::unknown}, {"/trash/files/dist", ActState::inTrash}};
   const auto moved = item(Outcome::movedToTrash, "/trash/files/dist", "Moved to Trash");
   EXPECT_EQ(aftermath.recover(), std::vector{transaction({moved})});
-  EXPECT_TRUE(aftermath.isJournalLeft());
+  EXPECT_EQ(aftermath.files.contents[journalPath], encodeJournalEntry(entry(Act::move, 8, "/away/files/dist")))
+      << "what is settled isn't asked again";
 
   aftermath.trash.states["/away/files/dist"] = ActState::neither;
   EXPECT_EQ(aftermath.recover(), std::vector{transaction({moved})});
   EXPECT_FALSE(aftermath.isJournalLeft());
+}
+
+TEST(CleanupRecovery, ALineThatIsNotUnderstoodKeepsTheJournalAndHoldsNothingUp) {
+  Aftermath aftermath({entry(Act::move, 9)});
+  aftermath.files.contents[journalPath] += "{\"act\":\"of a later version\"}\n";
+  aftermath.trash.states["/trash/files/dist"] = ActState::inTrash;
+  EXPECT_EQ(aftermath.recover().size(), 1U);
+  EXPECT_EQ(aftermath.files.contents[journalPath], "{\"act\":\"of a later version\"}\n");
+}
+
+TEST(CleanupRecovery, OneThingInTheTrashIsClaimedByOneItem) {
+  Item claiming = item(Outcome::movedToTrash, "/trash/files/dist", "Moved to Trash");
+  claiming.id = identity(5);
+  const Item refused = item(Outcome::failed, nullptr, "It could not be moved.");
+  for (const auto& before : {std::vector{transaction({refused, claiming})}, std::vector{transaction({claiming})}}) {
+    Aftermath aftermath({entry(Act::move, 9)});
+    aftermath.trash.states["/trash/files/dist"] = ActState::inTrash;
+    aftermath.files.contents[logPath] = encodeCleanupTransactions(before);
+    EXPECT_EQ(aftermath.recover(), before);
+    EXPECT_FALSE(aftermath.isJournalLeft());
+  }
 }
 
 TEST(CleanupRecovery, AJournalStaysUntilItIsReadAndItsActsAreOnRecord) {
