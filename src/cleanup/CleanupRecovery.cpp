@@ -28,6 +28,18 @@ struct SettledAct {
   ActState state = ActState::unknown;
 };
 
+/// When the last act of each transaction of a journal was intended.
+using LastDates = std::map<UUID, Date>;
+
+LastDates lastDatesOf(const std::vector<SettledAct>& acts) {
+  LastDates dates;
+  for (const SettledAct& act : acts) {
+    Date& date = dates.try_emplace(act.entry.transactionID, act.entry.intent.date).first->second;
+    date = std::max(date, act.entry.intent.date);
+  }
+  return dates;
+}
+
 FileURL urlOf(const JournalEntry& entry, const std::string& path) {
   return {.path = path, .isFolder = entry.intent.identity.kind == FileKind::folder};
 }
@@ -41,7 +53,9 @@ void setState(Item& item, Outcome outcome, std::optional<FileURL> trashURL, std:
 /// The log with its items found by identity, and the places in the Trash that they claim.
 class IndexedLog {
  public:
-  explicit IndexedLog(std::vector<CleanupTransaction>& transactions) : transactions_(transactions) {
+  /// `dates` must outlive the value.
+  IndexedLog(std::vector<CleanupTransaction>& transactions, const LastDates& dates)
+      : transactions_(transactions), dates_(dates) {
     for (std::size_t position = 0; position < transactions.size(); ++position) {
       transactionPositions_.emplace(transactions[position].id, position);
       for (std::size_t item = 0; item < transactions[position].items.size(); ++item) {
@@ -67,8 +81,10 @@ class IndexedLog {
   Item& add(const JournalEntry& entry) {
     const auto [position, isNew] = transactionPositions_.emplace(entry.transactionID, transactions_.size());
     if (isNew) {
-      transactions_.push_back(
-          {.id = entry.transactionID, .timestamp = entry.intent.date, .source = entry.source, .items = {}});
+      transactions_.push_back({.id = entry.transactionID,
+                               .timestamp = dates_.at(entry.transactionID),
+                               .source = entry.source,
+                               .items = {}});
     }
     return transactions_[position->second].items.emplace_back(
         Item{.id = entry.itemID,
@@ -81,6 +97,7 @@ class IndexedLog {
 
  private:
   std::vector<CleanupTransaction>& transactions_;
+  const LastDates& dates_;
   std::map<UUID, std::size_t> transactionPositions_;
   std::map<std::pair<UUID, UUID>, std::pair<std::size_t, std::size_t>> itemPositions_;
   std::set<std::string> claimed_;
@@ -140,8 +157,9 @@ bool record(const std::vector<SettledAct>& acts, ScanStore& store) {
   if (std::ranges::none_of(acts, hasEnded)) {
     return true;
   }
+  const LastDates dates = lastDatesOf(acts);
   const auto change = [&](std::vector<CleanupTransaction>& transactions) {
-    IndexedLog log(transactions);
+    IndexedLog log(transactions, dates);
     for (const SettledAct& act : acts) {
       if (act.entry.act == JournalEntry::Act::move) {
         recordMove(act, log);

@@ -95,9 +95,10 @@ class Trash {
   /// deletes. `allocatedBytes` is the measured size of a folder, for the Trash's own list of sizes.
   virtual std::expected<TrashedItem, TrashError> move(const OpenedItem& item, std::int64_t allocatedBytes,
                                                       IntentRecorder& recorder) = 0;
-  /// Moves the item at `trashPath` back to `originalPath`, if it is the one that came from there.
+  /// Moves the item at `trashPath` back to `originalPath`, if it is the one that came from there, by an act that was on
+  /// record at `recorded`: what went to the Trash later is another one.
   virtual std::expected<TrashedItem, TrashError> putBack(const std::string& trashPath, const std::string& originalPath,
-                                                         IntentRecorder& recorder) = 0;
+                                                         Date recorded, IntentRecorder& recorder) = 0;
   /// Looks where an act that was intended by a process that died has ended, and makes the info file agree with it.
   virtual ActState settle(const TrashIntent& intent) = 0;
   /// Writes the sizes of the folders moved so far to the Trash's list of sizes. Best effort.

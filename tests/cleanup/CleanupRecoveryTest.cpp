@@ -128,6 +128,14 @@ TEST(CleanupRecovery, ItemsJoinTheirTransactionInTheOrderOfTheAttempt) {
   EXPECT_EQ(items[2].id, identity(3));
 }
 
+TEST(CleanupRecovery, AnActIsDatedByTheLastOfItsItems) {
+  JournalEntry later = entry(Act::move, 8, "/away/files/dist");
+  later.intent.date += std::chrono::hours(1);
+  Aftermath aftermath({entry(Act::move, 9), later});
+  aftermath.trash.states = {{"/trash/files/dist", ActState::inTrash}, {"/away/files/dist", ActState::unknown}};
+  EXPECT_EQ(aftermath.recover().at(0).timestamp, later.intent.date) << "or the later one would count as another's";
+}
+
 TEST(CleanupRecovery, EveryNameThatWasTriedIsSettledAndTheLastCounts) {
   Aftermath aftermath({entry(Act::move, 9, "/trash/files/dist"), entry(Act::move, 9, "/trash/files/dist.2")});
   aftermath.trash.states = {{"/trash/files/dist", ActState::neither}, {"/trash/files/dist.2", ActState::inTrash}};

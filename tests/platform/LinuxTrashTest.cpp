@@ -14,6 +14,7 @@
 #include "platform/linux/TrashSizes.h"
 #include "support/FaultKernel.h"
 #include "support/TemporaryHome.h"
+#include "support/TimeZone.h"
 
 namespace lumenary {
 namespace {
@@ -41,7 +42,7 @@ class LinuxTrashTest : public testing::Test {
                 : std::unexpected(TrashError{.refusal = TrashRefusal::missing, .cause = item.error()});
   }
   Moved putBack(const std::string& trashPath, const std::string& originalPath) {
-    return trash.putBack(trashPath, originalPath, recorder);
+    return trash.putBack(trashPath, originalPath, moved, recorder);
   }
   static TrashRefusal refusal(const Moved& moved) { return moved ? TrashRefusal::failed : moved.error().refusal; }
 
@@ -52,6 +53,7 @@ class LinuxTrashTest : public testing::Test {
   LinuxMountTable mountTable;
   LinuxTrash trash;
   NotingRecorder recorder;
+  const Date moved = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
 };
 
 TEST_F(LinuxTrashTest, MovesAFolderWithItsInfoAndBringsItBack) {
@@ -262,6 +264,34 @@ TEST_F(LinuxTrashTest, PuttingBackIsGuardedTheSameWay) {
   EXPECT_EQ(contentsOf(inTrash + "/a.js"), "a");
 }
 
+TEST_F(LinuxTrashTest, OnlyWhatWentWithTheRecordedActComesBack) {
+  home.write("Code/app/dist/a.js", "a");
+  const std::string origin = home.path("Code/app/dist");
+  const std::string inTrash = move(origin)->trashPath;
+  const std::string infoPath = home.trash("info/dist.trashinfo");
+  const auto hours = [](int count) { return std::chrono::hours(count); };
+  const struct {
+    const char* name;
+    std::optional<Date> written;  ///< the date in the info file; none: a damaged one
+    Date changed;                 ///< the date of the info file
+    TrashRefusal refused;
+  } cases[] = {
+      {"another act, an hour later", moved + hours(1), moved + hours(1), TrashRefusal::notInTrash},
+      {"another act, three minutes later", moved + std::chrono::minutes(3), moved + hours(1), TrashRefusal::notInTrash},
+      {"damaged", std::nullopt, moved, TrashRefusal::notInTrash},
+  };
+  for (const auto& [name, written, changed, refused] : cases) {
+    std::ofstream(infoPath) << (written ? composeTrashInfo(origin, *written) : "[Trash Info]\nPath=" + origin + "\n");
+    home.setModified(".local/share/Trash/info/dist.trashinfo", changed);
+    EXPECT_EQ(refusal(putBack(inTrash, origin)), refused) << name;
+  }
+  EXPECT_EQ(contentsOf(inTrash + "/a.js"), "a");
+
+  std::ofstream(infoPath) << composeTrashInfo(origin, moved + hours(8));
+  home.setModified(".local/share/Trash/info/dist.trashinfo", moved);
+  EXPECT_TRUE(putBack(inTrash, origin)) << "the same act, read in another time zone";
+}
+
 /// A file system of its own, mounted below a temporary home; skipped where this process may not mount.
 class SecondVolumeTest : public LinuxTrashTest {
  protected:
@@ -363,13 +393,18 @@ TEST_F(SecondVolumeTest, AHomeTrashOnAnotherVolumeIsReachedThroughItsLink) {
 }
 
 TEST(TrashInfoTest, ReadsWhatTheFormatAllows) {
+  const TimeZone zone("XYZ3");
   struct Case {
     const char* name;
     std::string text;
-    std::string path;  ///< empty: refused
+    std::string path;    ///< empty: refused
+    std::string date{};  ///< empty: none
   };
   const Case cases[] = {
-      {"plain", "[Trash Info]\nPath=/a/b\nDeletionDate=2026-01-02T03:04:05\n", "/a/b"},
+      {"plain", "[Trash Info]\nPath=/a/b\nDeletionDate=2026-01-02T03:04:05\n", "/a/b", "2026-01-02T06:04:05Z"},
+      {"an impossible day", "[Trash Info]\nPath=/a\nDeletionDate=2026-02-29T03:04:05\n", "/a"},
+      {"a date that isn't one", "[Trash Info]\nPath=/a\nDeletionDate=2026-01-02 03:04:05\n", "/a"},
+      {"a date that goes on", "[Trash Info]\nPath=/a\nDeletionDate=2026-01-02T03:04:05Z\n", "/a"},
       {"encoded", "[Trash Info]\nPath=/a%20b/%FF%0A\n", "/a b/\xff\n"},
       {"first of two counts", "[Trash Info]\nPath=/a\nPath=/b\n", "/a"},
       {"other lines and line ends", "[Trash Info]\r\nX=1\r\nPath=/a\r\n", "/a"},
@@ -386,6 +421,7 @@ TEST(TrashInfoTest, ReadsWhatTheFormatAllows) {
   for (const Case& test : cases) {
     const auto info = parseTrashInfo(test.text);
     EXPECT_EQ(info ? info->path : "", test.path) << test.name;
+    EXPECT_EQ(info && info->deleted ? iso8601(*info->deleted) : "", test.date) << test.name;
   }
   EXPECT_EQ(originOf({.path = "a/b"}, "/media/disk"), "/media/disk/a/b");
   EXPECT_EQ(originOf({.path = "a/b"}, ""), std::nullopt);

@@ -17,6 +17,8 @@ constexpr std::string_view infoSuffix = ".trashinfo";
 constexpr std::size_t longestName = 255;
 constexpr std::size_t shortestLimit = 32;
 constexpr std::size_t infoFileLimit = 64 * 1024;
+/// How much later than its act an info file may be dated.
+constexpr auto dateAllowance = std::chrono::minutes(2);
 
 std::string infoName(std::string_view name) { return std::string(name).append(infoSuffix); }
 
@@ -231,7 +233,8 @@ bool LinuxTrash::removeInfo(const TrashFolder& trash, const std::string& name) {
 }
 
 std::expected<TrashedItem, TrashError> LinuxTrash::putBack(const std::string& trashPath,
-                                                           const std::string& originalPath, IntentRecorder& recorder) {
+                                                           const std::string& originalPath, Date recorded,
+                                                           IntentRecorder& recorder) {
   const auto mounts = mountTable_.mounts();
   if (!mounts || !originalPath.starts_with('/') || standardise(originalPath) != originalPath ||
       GuardList(reader_, *mounts, places_).keepsOut(originalPath)) {
@@ -247,9 +250,10 @@ std::expected<TrashedItem, TrashError> LinuxTrash::putBack(const std::string& tr
     return std::unexpected(refuse(TrashRefusal::notInTrash, status.error()));
   }
   // Another item may have got the name since. A lost info file is no reason to keep a person's folder from them.
-  const RecordedInfo recorded = readInfo(*trash, name);
-  if (recorded.info && originOf(*recorded.info, trash->top) != originalPath) {
-    return std::unexpected(refuse(TrashRefusal::notInTrash));
+  const RecordedInfo info = readInfo(*trash, name);
+  if (!info.isMissing() && !isOf(info, *trash, originalPath, recorded)) {
+    return std::unexpected(info.text ? refuse(TrashRefusal::notInTrash)
+                                     : refuse(refusalOf(info.text.error()), info.text.error()));
   }
   const auto parent = reader_.openFolder(parentPath(originalPath), LinkPolicy::refuse);
   if (!parent) {
@@ -281,13 +285,28 @@ std::expected<TrashedItem, TrashError> LinuxTrash::putBack(const std::string& tr
 LinuxTrash::RecordedInfo LinuxTrash::readInfo(const TrashFolder& trash, const std::string& name) {
   const auto file = openAt(kernel_, trash.info, infoName(name).c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
   if (!file) {
-    return {.exists = !file.error().isMissing()};
+    return {.text = std::unexpected(file.error())};
   }
   const auto status = statusOf(kernel_, *file);
-  const auto text = readAll(kernel_, *file, infoFileLimit);
-  return {.exists = true,
-          .info = text ? parseTrashInfo(*text) : std::nullopt,
-          .modifiedSeconds = status ? status->modifiedSeconds : 0};
+  if (!status) {
+    return {.text = std::unexpected(status.error())};
+  }
+  auto text = readAll(kernel_, *file, infoFileLimit);
+  auto info = text ? parseTrashInfo(*text) : std::nullopt;
+  return {.text = std::move(text),
+          .info = std::move(info),
+          .modified = Date(std::chrono::seconds(status->modifiedSeconds))};
+}
+
+/// True where the info file names the origin, and was written for an act that was over at `latest`. A journey or the
+/// change of the clocks shifts the date in it; the file's own date doesn't shift, and so both must be later to tell
+/// of another act.
+bool LinuxTrash::isOf(const RecordedInfo& recorded, const TrashFolder& trash, const std::string& originalPath,
+                      Date latest) {
+  if (!recorded.info || !recorded.info->deleted || originOf(*recorded.info, trash.top) != originalPath) {
+    return false;
+  }
+  return std::min(*recorded.info->deleted, recorded.modified) <= latest + dateAllowance;
 }
 
 void LinuxTrash::noteSize(const TrashFolder& trash, const std::string& name, std::int64_t allocatedBytes) {

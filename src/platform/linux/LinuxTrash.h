@@ -29,16 +29,18 @@ class LinuxTrash final : public Trash {
   std::expected<TrashedItem, TrashError> move(const OpenedItem& item, std::int64_t allocatedBytes,
                                               IntentRecorder& recorder) override;
   std::expected<TrashedItem, TrashError> putBack(const std::string& trashPath, const std::string& originalPath,
-                                                 IntentRecorder& recorder) override;
+                                                 Date recorded, IntentRecorder& recorder) override;
   ActState settle(const TrashIntent& intent) override;
   void writeSizes() override;
 
  private:
-  /// What an info file says. `info` has no value where the file is missing or damaged.
+  /// What an info file says: why it can't be read, or its text, and what that means where it isn't damaged.
   struct RecordedInfo {
-    bool exists = false;
+    SystemResult<std::string> text;
     std::optional<TrashInfo> info{};
-    std::int64_t modifiedSeconds = 0;
+    Date modified{};
+
+    bool isMissing() const { return !text && text.error().isMissing(); }
   };
   struct Attempt;
 
@@ -50,6 +52,8 @@ class LinuxTrash final : public Trash {
   SystemResult<void> writeInfo(const TrashFolder& trash, const std::string& name, const std::string& originalPath,
                                Date date);
   RecordedInfo readInfo(const TrashFolder& trash, const std::string& name);
+  static bool isOf(const RecordedInfo& recorded, const TrashFolder& trash, const std::string& originalPath,
+                   Date latest);
   bool removeInfo(const TrashFolder& trash, const std::string& name);
   ActState settleInfoOfAbsent(const TrashFolder& trash, const std::string& name, const TrashIntent& intent);
   ActState settleInfoOfPresent(const TrashFolder& trash, const std::string& name, const TrashIntent& intent);

@@ -61,7 +61,8 @@ ActState LinuxTrash::settleInfoOfAbsent(const TrashFolder& trash, const std::str
   }
   const RecordedInfo recorded = readInfo(trash, name);
   const auto intentSeconds = std::chrono::floor<std::chrono::seconds>(intent.date).time_since_epoch().count();
-  const bool isOurs = recorded.exists && recorded.modifiedSeconds <= intentSeconds + settleWindowSeconds &&
+  const auto modifiedSeconds = std::chrono::floor<std::chrono::seconds>(recorded.modified).time_since_epoch().count();
+  const bool isOurs = !recorded.isMissing() && modifiedSeconds <= intentSeconds + settleWindowSeconds &&
                       (!recorded.info || originOf(*recorded.info, trash.top) == intent.originalPath);
   if (isOurs && !removeInfo(trash, name)) {
     return ActState::unknown;
