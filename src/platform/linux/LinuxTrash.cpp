@@ -188,7 +188,7 @@ LinuxTrash::Attempt LinuxTrash::attempt(const TrashFolder& trash, const OpenedIt
     if (cause.code == ENAMETOOLONG) {
       return {.result = Result::nameTooLong};
     }
-    return {.error = refuse(recordRefusal(cause), cause, removeInfo(trash, name))};
+    return {.error = refuse(recordRefusal(cause), cause, hasNoInfo(trash, name))};
   }
   const MoveReport report = moveExclusively(kernel_, {item.parent, item.name}, {trash.files, name}, item.identity);
   if (report.result == MoveResult::moved) {
@@ -215,7 +215,7 @@ bool LinuxTrash::isTaken(const TrashFolder& trash, const std::string& name) {
          statusAt(kernel_, trash.info, infoName(name).c_str()).has_value();
 }
 
-/// EEXIST and ENAMETOOLONG mean that nothing was made; after any other error a part of the file may stand.
+/// After an error nothing that was made here is left, if it could be removed. What somebody else made stays.
 SystemResult<void> LinuxTrash::writeInfo(const TrashFolder& trash, const std::string& name,
                                          const std::string& originalPath, Date date) {
   auto file = openAt(kernel_, trash.info, infoName(name).c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
@@ -223,7 +223,22 @@ SystemResult<void> LinuxTrash::writeInfo(const TrashFolder& trash, const std::st
     return std::unexpected(file.error());
   }
   auto written = writeAndSync(kernel_, *file, composeTrashInfo(trash.recordedPath(originalPath), date));
-  return written ? sync(kernel_, trash.info) : written;
+  if (written) {
+    written = sync(kernel_, trash.info);
+  }
+  if (!written) {
+    const auto made = statusOf(kernel_, *file);
+    const auto standing = statusAt(kernel_, trash.info, infoName(name).c_str());
+    if (made && standing && made->identity == standing->identity) {
+      static_cast<void>(removeInfo(trash, name));
+    }
+  }
+  return written;
+}
+
+bool LinuxTrash::hasNoInfo(const TrashFolder& trash, const std::string& name) {
+  const auto standing = statusAt(kernel_, trash.info, infoName(name).c_str());
+  return !standing && standing.error().isMissing();
 }
 
 /// True where no info file of that name is left.

@@ -51,12 +51,18 @@ class LinuxTrash final : public Trash {
   bool isTaken(const TrashFolder& trash, const std::string& name);
   SystemResult<void> writeInfo(const TrashFolder& trash, const std::string& name, const std::string& originalPath,
                                Date date);
+  bool hasNoInfo(const TrashFolder& trash, const std::string& name);
   RecordedInfo readInfo(const TrashFolder& trash, const std::string& name);
   static bool isOf(const RecordedInfo& recorded, const TrashFolder& trash, const std::string& originalPath,
                    Date latest);
   bool removeInfo(const TrashFolder& trash, const std::string& name);
-  ActState settleInfoOfAbsent(const TrashFolder& trash, const std::string& name, const TrashIntent& intent);
-  ActState settleInfoOfPresent(const TrashFolder& trash, const std::string& name, const TrashIntent& intent);
+  struct Findings;
+  std::optional<Findings> find(const TrashFolder& trash, const std::string& name, const TrashIntent& intent,
+                               const Mount& mount);
+  ActState settleInfoOfAbsent(const TrashFolder& trash, const std::string& name, const TrashIntent& intent,
+                              const Findings& findings);
+  ActState settleInfoOfPresent(const TrashFolder& trash, const std::string& name, const TrashIntent& intent,
+                               const Findings& findings);
   void noteSize(const TrashFolder& trash, const std::string& name, std::int64_t allocatedBytes);
 
   LinuxKernel& kernel_;
