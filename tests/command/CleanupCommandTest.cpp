@@ -100,6 +100,23 @@ TEST_F(CleanupCommandTest, EndsWithTwoWhereItIsNotToldWhatToDo) {
   EXPECT_EQ(fake.trash.calls, Strings());
 }
 
+TEST_F(CleanupCommandTest, MovesNothingForAnotherPersonThanTheOwnerOfTheHomeFolder) {
+  for (const std::string& foreign : {home.root(), home.places().dataHome}) {
+    home.makeFolder(".local/share");
+    const LinuxFileReader real;
+    fake.platform.reader = std::make_unique<HookedReader>(
+        real, [](HookedReader::Call, std::string_view) { return std::optional<SystemError>(); },
+        [&](std::string_view path, FileAttributes& found) { found.owner += path == foreign ? 1 : 0; });
+    fake.terminal.errors.clear();
+    EXPECT_EQ(run({"--root", "~/Code", "--days", "365", "--trash"}), wrongUsage);
+    EXPECT_EQ(fake.terminal.errors,
+              "Your data would be written to a folder of another user, so nothing is moved: " + foreign + "\n");
+    EXPECT_EQ(run({"--root", "~/Code"}), finished) << "listing is for everybody";
+    EXPECT_EQ(fake.files.calls, Strings());
+    EXPECT_EQ(fake.trash.calls, Strings());
+  }
+}
+
 TEST_F(CleanupCommandTest, ListsTheFolderThatIsMeantAndTouchesNothing) {
   fake.defaults.values["codeFolder"] = "~/Code";
   for (const Arguments& arguments : {Arguments{},

@@ -61,6 +61,22 @@ std::expected<std::string, std::string> folderToScan(const Options& options, con
   return root;
 }
 
+/// Why nothing may be written for this person, if so: `sudo` can keep another person's variables, and what it made in
+/// their home folder they could neither change nor empty.
+std::optional<std::string> reasonToMoveNothing(const FileReader& reader, const Places& places) {
+  const auto home = reader.attributes(places.home, LinkPolicy::follow);
+  if (!home) {
+    return "Your home folder can't be looked at, so nothing is moved: " + displayText(places.home) + "\n";
+  }
+  const auto data = reader.attributes(places.dataHome, LinkPolicy::follow);
+  const bool isHomeForeign = home->owner != places.userID;
+  if (!isHomeForeign && (!data || data->owner == places.userID)) {
+    return std::nullopt;
+  }
+  return "Your data would be written to a folder of another user, so nothing is moved: " +
+         displayText(isHomeForeign ? places.home : places.dataHome) + "\n";
+}
+
 void tellWhatIsLeft(const TrashRun& run, std::size_t selected, Terminal& terminal) {
   if (run.isRecordPending) {
     terminal.writeError("The record of this run could not be saved yet. It is kept and saved at the next run.\n");
@@ -79,6 +95,12 @@ std::int32_t run(std::span<const std::string> arguments, Platform& platform) {
   if (!options) {
     terminal.writeError(displayText(options.error().message) + "\n" + std::string(usage));
     return wrongUsage;
+  }
+  if (options->trash) {
+    if (const auto reason = reasonToMoveNothing(*platform.reader, platform.places)) {
+      terminal.writeError(*reason);
+      return wrongUsage;
+    }
   }
   const auto root = folderToScan(*options, platform);
   if (!root) {
