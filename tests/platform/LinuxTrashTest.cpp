@@ -156,6 +156,24 @@ TEST_F(LinuxTrashTest, WhatWasPutThereMeanwhileStays) {
   }
 }
 
+TEST_F(LinuxTrashTest, WhatCannotGoBackIsNotTakenForTheConfirmedThingAndKeepsItsInfo) {
+  home.write("Code/app/dist/a.js", "confirmed");
+  int renames = 0;
+  kernel.beforeCall = [&](std::string_view call) {
+    if (call == "renameat2" && renames++ == 0) {
+      fs::rename(home.path("Code/app/dist"), home.path("Code/app/elsewhere"));
+      home.write("Code/app/dist/b.js", "another");
+    } else if (call == "renameat2" && renames == 2) {
+      home.write("Code/app/dist/c.js", "a third");
+    }
+  };
+  EXPECT_EQ(refusal(move(home.path("Code/app/dist"))), TrashRefusal::changed);
+  EXPECT_EQ(contentsOf(home.path("Code/app/elsewhere/a.js")), "confirmed");
+  EXPECT_EQ(contentsOf(home.path("Code/app/dist/c.js")), "a third");
+  EXPECT_EQ(contentsOf(home.trash("files/dist/b.js")), "another");
+  EXPECT_EQ(parseTrashInfo(contentsOf(home.trash("info/dist.trashinfo")))->path, home.path("Code/app/dist"));
+}
+
 TEST_F(LinuxTrashTest, TheTrashReplacedByALinkTakesNothingElsewhere) {
   home.write("Code/app/dist/a.js");
   home.makeFolder("Elsewhere");
@@ -180,18 +198,30 @@ TEST_F(LinuxTrashTest, ASecondMoverOfTheSameItemFindsItGone) {
 
 TEST_F(LinuxTrashTest, WithoutExclusiveRenameFilesMoveByLinkAndFoldersStay) {
   class OldKernel final : public LinuxKernel {
+   public:
+    bool losesReplies = false;
+
+   private:
     int renameat2(int, const char*, int, const char*, unsigned flags) override {
       errno = flags == 0 ? EIO : EINVAL;
       return -1;
     }
+    int linkat(int from, const char* fromName, int to, const char* toName, int flags) override {
+      const int answer = LinuxKernel::linkat(from, fromName, to, toName, flags);
+      errno = EIO;
+      return losesReplies ? -1 : answer;
+    }
   } old;
   LinuxTrash oldTrash(old, reader, mountTable, places);
-  home.write("Code/file", "text");
   home.write("Code/folder/file");
-  const auto file = oldTrash.move(*openItem(reader, home.path("Code/file")), 0, recorder);
-  ASSERT_TRUE(file.has_value());
-  EXPECT_EQ(contentsOf(file->trashPath), "text");
-  EXPECT_EQ(fs::hard_link_count(file->trashPath), 1U);
+  for (const bool losesReplies : {false, true}) {
+    old.losesReplies = losesReplies;
+    home.write("Code/file", "text");
+    const auto file = oldTrash.move(*openItem(reader, home.path("Code/file")), 0, recorder);
+    ASSERT_TRUE(file.has_value());
+    EXPECT_EQ(contentsOf(file->trashPath), "text");
+    EXPECT_EQ(fs::hard_link_count(file->trashPath), 1U);
+  }
   EXPECT_EQ(refusal(oldTrash.move(*openItem(reader, home.path("Code/folder")), 0, recorder)),
             TrashRefusal::noExclusiveMove);
   EXPECT_TRUE(standsAt(home.path("Code/folder/file")));

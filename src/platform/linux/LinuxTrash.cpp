@@ -50,6 +50,7 @@ TrashRefusal refusalOf(const MoveReport& report) {
     case MoveResult::missing:
       return TrashRefusal::missing;
     case MoveResult::changed:
+    case MoveResult::strayed:
       return TrashRefusal::changed;
     case MoveResult::occupied:
       return TrashRefusal::occupied;
@@ -198,6 +199,11 @@ LinuxTrash::Attempt LinuxTrash::attempt(const TrashFolder& trash, const OpenedIt
     const bool isSynced = hasInfo && sync(kernel_, trash.files) && sync(kernel_, item.parent);
     return {.result = Result::moved, .isSettled = isSynced && report.isSettled};
   }
+  if (report.result == MoveResult::strayed) {
+    // The info file is the other thing's now: it is how its owner gets it back.
+    const bool isSynced = sync(kernel_, trash.files) && sync(kernel_, item.parent);
+    return {.error = refuse(TrashRefusal::changed, {}, isSynced)};
+  }
   const auto atOrigin = statusAt(kernel_, item.parent, item.name.c_str());
   if (report.result == MoveResult::failed && (!atOrigin || atOrigin->identity != item.identity)) {
     // Perhaps it was moved after all: the info file stays until the next start has looked.
@@ -285,7 +291,8 @@ std::expected<TrashedItem, TrashError> LinuxTrash::putBack(const std::string& tr
   }
   const MoveReport report = moveExclusively(kernel_, {trash->files, name}, {*parent, originalName}, status->identity);
   if (report.result != MoveResult::moved) {
-    const bool isGone = report.result == MoveResult::missing || report.result == MoveResult::changed;
+    const bool isGone = report.result == MoveResult::missing || report.result == MoveResult::changed ||
+                        report.result == MoveResult::strayed;
     return std::unexpected(
         refuse(isGone ? TrashRefusal::notInTrash : refusalOf(report), report.cause, report.isSettled));
   }
