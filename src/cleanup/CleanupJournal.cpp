@@ -104,7 +104,7 @@ SystemResult<void> CleanupJournal::open() {
     return made;
   }
   const auto lock = files_.lock(lockPath(support_));
-  // Where there are no locks recovery doesn't run either, and can't mistake this journal for a left one.
+  // Where there are no locks recovery tells this journal from a left one by its age.
   if (!lock && !lock.error().isWithoutLocks()) {
     return std::unexpected(lock.error());
   }

@@ -197,6 +197,8 @@ void recoverJournal(const std::string& path, DurableFiles& files, ScanStore& sto
 
 void recoverInterruptedActs(DurableFiles& files, ScanStore& store, Trash& trash) {
   const std::string folder = CleanupJournal::folder(store.support());
+  files.removeRemains(store.support());
+  files.removeRemains(folder);
   auto names = files.names(folder);
   if (!names) {
     return;
@@ -206,7 +208,7 @@ void recoverInterruptedActs(DurableFiles& files, ScanStore& store, Trash& trash)
     return;
   }
   const auto lock = files.lock(CleanupJournal::lockPath(store.support()));
-  if (!lock) {
+  if (!lock && !lock.error().isWithoutLocks()) {
     return;
   }
   for (const std::string& name : *names) {

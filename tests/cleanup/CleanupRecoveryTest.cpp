@@ -204,6 +204,15 @@ TEST(CleanupRecovery, AnActThatStillRunsIsLeftAlone) {
   EXPECT_TRUE(aftermath.trash.calls.empty());
 }
 
+TEST(CleanupRecovery, RunsWhereThereAreNoLocks) {
+  Aftermath aftermath({entry(Act::move, 9)});
+  aftermath.trash.states["/trash/files/dist"] = ActState::inTrash;
+  aftermath.files.failures = {{"lock " + folder + "/lock", ENOLCK},
+                              {"lock /support/cleanup-transactions.lock", ENOLCK}};
+  EXPECT_EQ(aftermath.recover().size(), 1U);
+  EXPECT_FALSE(aftermath.isJournalLeft());
+}
+
 TEST(CleanupRecovery, WhereNothingWasLeftNothingIsMade) {
   Aftermath aftermath({});
   aftermath.recover();
