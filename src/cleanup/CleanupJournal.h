@@ -30,6 +30,7 @@ struct JournalEntry {
   std::string ruleID;
   std::int64_t measuredBytes = 0;
   TrashIntent intent;
+  std::string refusal{};  ///< why the act didn't happen after all, the sentence for the person; empty: it may have
 };
 
 /// A line of JSON with its line break: keys sorted, places as file URL text, dates as ISO 8601 text.
@@ -54,14 +55,15 @@ class CleanupJournal {
    public:
     Recorder(CleanupJournal& journal, JournalEntry entry) : journal_(journal), entry_(std::move(entry)) {}
     SystemResult<void> intend(const TrashIntent& intent) override;
+    /// What was intended was refused: a crash before the log tells it won't count as the reason. Best effort.
+    void refused(std::string sentence);
 
    private:
     CleanupJournal& journal_;
     JournalEntry entry_;
+    bool hasIntended_ = false;
   };
 
-  /// True once an intent was taken down: there is a file.
-  bool isBegun() const { return file_ != nullptr; }
   /// Something of the act needs to be put right by the next start: the file stays.
   void keepForRecovery() { keep_ = true; }
   /// The log holds what the act did: removes the file, unless it is kept.

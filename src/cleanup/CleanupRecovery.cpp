@@ -117,7 +117,9 @@ void recordMove(const SettledAct& act, IndexedLog& log) {
     setState(item != nullptr ? *item : log.add(act.entry), Outcome::movedToTrash, urlOf(act.entry, trashPath),
              "Moved to Trash");
   } else if (act.state == ActState::atOrigin && (item == nullptr || isRecordedIn(*item, trashPath))) {
-    setState(item != nullptr ? *item : log.add(act.entry), Outcome::failed, std::nullopt, interruptedMessage);
+    const std::string& refusal = act.entry.refusal;
+    setState(item != nullptr ? *item : log.add(act.entry), Outcome::failed, std::nullopt,
+             refusal.empty() ? interruptedMessage : refusal);
   }
 }
 

@@ -36,13 +36,14 @@ enum class TrashRefusal : std::uint8_t {
   folderClosed,   ///< the folder around it, or the item, can't be changed by this person
   readOnlyVolume,
   noTrash,           ///< no Trash folder can be used on its volume
-  otherVolume,       ///< its Trash is on another file system; nothing is ever copied
+  onlyByCopy,        ///< its file system can move it only as a copy (an overlay, a quota of a project)
   noFreeName,        ///< no free name in the Trash
   noExclusiveMove,   ///< the file system can't move a folder without the risk of overwriting
   noSpace,           ///< the disk is full
   recordUnwritable,  ///< the record that must stand before the move can't be written
   occupied,          ///< restore: something stands at the former place
   parentGone,        ///< restore: the folder around the former place is gone or reached through a link
+  parentClosed,      ///< restore: it can't be opened by this person
   notInTrash,        ///< restore: the recorded item isn't in the Trash any more
   failed,            ///< any other error of the system
 };

@@ -230,11 +230,12 @@ TEST(CleanupCoordinator, MovesEachCandidateThatPassesAndAnswersForAll) {
             (std::vector<std::string>{"move " + app + "node_modules 4096", "move /srv/x/y/build 0", "writeSizes"}));
 
   const auto lines = decodeJournal(gate.files.contents[*gate.files.growing.begin()]);
-  ASSERT_EQ(lines->entries.size(), 2U) << "what the gate refuses is never intended";
+  ASSERT_EQ(lines->entries.size(), 3U) << "what the gate refuses is never intended";
   EXPECT_EQ(lines->entries.at(0).itemID, outcomes[1].id);
   EXPECT_EQ(lines->entries.at(0).ruleID, "developer.node_modules");
   EXPECT_EQ(lines->entries.at(0).measuredBytes, 8192);
   EXPECT_EQ(lines->entries.at(1).itemID, outcomes[2].id);
+  EXPECT_EQ(lines->entries.at(2).refusal, outcomes[2].message);
 
   gate.trash.tellsPlaces = false;
   const auto unplaced = gate.move({candidate("/code/me/java/target")});

@@ -196,6 +196,19 @@ TEST(CleanupRecovery, AJournalStaysUntilItIsReadAndItsActsAreOnRecord) {
   }
 }
 
+TEST(CleanupRecovery, ARefusalIsNotTakenForAnInterruption) {
+  JournalEntry refused = entry(Act::move, 9);
+  refused.refusal = "Its volume is read-only, so it stays where it is.";
+  for (const ActState state : {ActState::atOrigin, ActState::inTrash}) {
+    Aftermath aftermath({entry(Act::move, 9), refused});
+    aftermath.trash.states["/trash/files/dist"] = state;
+    const bool isMoved = state == ActState::inTrash;
+    const Item expected = isMoved ? item(Outcome::movedToTrash, "/trash/files/dist", "Moved to Trash")
+                                  : item(Outcome::failed, nullptr, refused.refusal);
+    EXPECT_EQ(aftermath.recover(), std::vector{transaction({expected})}) << "the disk counts more than the refusal";
+  }
+}
+
 TEST(CleanupRecovery, AnActThatStillRunsIsLeftAlone) {
   Aftermath aftermath({entry(Act::move, 9)});
   aftermath.files.growing = {journalPath};

@@ -212,6 +212,17 @@ TEST_F(CleanupCommandTest, KeepsTheJournalOfARecordThatCannotBeSaved) {
   EXPECT_EQ(journals(), 0);
 }
 
+TEST_F(CleanupCommandTest, SaysNothingOfARecordOfNothing) {
+  fake.files.failures["write " + logPath()] = ENOSPC;
+  fake.trash.failures[home.path("Code/web/dist")] = {.refusal = TrashRefusal::readOnlyVolume};
+  EXPECT_EQ(run({"--root", "~/Code", "--days", "1200", "--trash"}), failed);
+  EXPECT_EQ(fake.terminal.errors, "");
+  fake.files.failures.clear();
+  fake.trash.states["/trash/files/dist"] = ActState::atOrigin;
+  EXPECT_EQ(run({"--root", "~/Code", "--days", "9999", "--trash"}), finished);
+  EXPECT_EQ(record(), Strings{"failed Its volume is read-only, so it stays where it is. -"}) << "not an interruption";
+}
+
 TEST_F(CleanupCommandTest, EndsASearchThatIsStopped) {
   const LinuxFileReader real;
   fake.platform.reader = std::make_unique<HookedReader>(real, [&](HookedReader::Call call, std::string_view) {

@@ -13,6 +13,7 @@
 #include "platform/linux/TrashName.h"
 #include "platform/linux/TrashSizes.h"
 #include "support/FaultKernel.h"
+#include "support/HookedReader.h"
 #include "support/TemporaryHome.h"
 #include "support/TimeZone.h"
 
@@ -292,6 +293,22 @@ TEST_F(LinuxTrashTest, PuttingBackIsGuardedTheSameWay) {
   fs::create_directory_symlink(home.path("Code"), home.path("Code/app"));
   EXPECT_EQ(refusal(putBack(inTrash, home.path("Code/app/dist"))), TrashRefusal::parentGone);
   EXPECT_EQ(contentsOf(inTrash + "/a.js"), "a");
+}
+
+TEST_F(LinuxTrashTest, SaysTrulyWhatHoldsAnItem) {
+  home.write("Code/app/dist/a.js", "a");
+  const std::string origin = home.path("Code/app/dist");
+  const std::string inTrash = move(origin)->trashPath;
+  for (const auto& [error, refused] :
+       {std::pair(EACCES, TrashRefusal::parentClosed), std::pair(ENOENT, TrashRefusal::parentGone),
+        std::pair(ELOOP, TrashRefusal::parentGone)}) {
+    const HookedReader failing(reader, [&, code = error](HookedReader::Call call, std::string_view path) {
+      const bool isParent = call == HookedReader::Call::openFolder && path == home.path("Code/app");
+      return isParent ? std::optional(SystemError{code}) : std::nullopt;
+    });
+    EXPECT_EQ(refusal(LinuxTrash(kernel, failing, mountTable, places).putBack(inTrash, origin, moved, recorder)),
+              refused);
+  }
 }
 
 TEST_F(LinuxTrashTest, OnlyWhatWentWithTheRecordedActComesBack) {

@@ -34,7 +34,7 @@ TrashRefusal refusalOf(const SystemError& cause) {
     case EROFS:
       return TrashRefusal::readOnlyVolume;
     case EXDEV:
-      return TrashRefusal::otherVolume;
+      return TrashRefusal::onlyByCopy;
     case EBUSY:
       return TrashRefusal::mountInside;
     case ENOSPC:
@@ -278,7 +278,8 @@ std::expected<TrashedItem, TrashError> LinuxTrash::putBack(const std::string& tr
   }
   const auto parent = reader_.openFolder(parentPath(originalPath), LinkPolicy::refuse);
   if (!parent) {
-    return std::unexpected(refuse(TrashRefusal::parentGone, parent.error()));
+    const bool isGone = parent.error().isMissing() || parent.error().isLink();
+    return std::unexpected(refuse(isGone ? TrashRefusal::parentGone : TrashRefusal::parentClosed, parent.error()));
   }
   const std::string originalName(lastPathComponent(originalPath));
   if (statusAt(kernel_, *parent, originalName.c_str())) {
