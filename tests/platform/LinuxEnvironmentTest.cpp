@@ -32,7 +32,10 @@ Places placesWith(Text home, Text data = {}, Text config = {}, Text cache = {}, 
 }
 
 TEST(LinuxPlaces, FollowVariablesThatAreAbsolute) {
+  const passwd* const user = ::getpwuid(::geteuid());
+  const std::string account = user == nullptr ? "" : user->pw_dir;
   const Places usual{"/home/anna",
+                     account,
                      "/home/anna/.local/share",
                      "/home/anna/.config",
                      "/home/anna/.cache",
@@ -40,9 +43,9 @@ TEST(LinuxPlaces, FollowVariablesThatAreAbsolute) {
                      "/home/anna/.local/share/Lumenary",
                      "/home/anna/.config/Lumenary/defaults.json",
                      ::geteuid()};
-  const Places chosen{
-      "/anna",    "/data", "/etc/anna", "/cache", "/state", "/data/Lumenary", "/etc/anna/Lumenary/defaults.json",
-      ::geteuid()};
+  const Places chosen{"/anna",    account,  "/data",          "/etc/anna",
+                      "/cache",   "/state", "/data/Lumenary", "/etc/anna/Lumenary/defaults.json",
+                      ::geteuid()};
   EXPECT_EQ(placesWith("/home/anna/"), usual);
   EXPECT_EQ(placesWith("/home//anna", "", "config", "./cache", "~/state"), usual);
   EXPECT_EQ(placesWith("/anna", "/data/", "/etc/anna", "/cache", "/state"), chosen);

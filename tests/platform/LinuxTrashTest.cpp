@@ -252,11 +252,34 @@ TEST_F(LinuxTrashTest, GuardedPlacesStay) {
     EXPECT_EQ(refusal(move(path)), TrashRefusal::guarded) << path;
   }
   EXPECT_TRUE(move(home.path(".config/app")).has_value());
+
+  Places overridden = places;
+  overridden.home = home.path("other");
+  overridden.dataHome = home.path("other/.local/share");
+  overridden.accountHome = home.root();
+  home.write(".local/share/keyrings/build/key");
+  LinuxTrash elsewhere(kernel, reader, mountTable, overridden);
+  for (const char* path : {"", ".config", ".ssh/build", ".local/share/keyrings/build"}) {
+    EXPECT_EQ(refusal(elsewhere.move(*openItem(reader, home.path(path)), 0, recorder)), TrashRefusal::guarded) << path;
+  }
   Places nobody = places;
   nobody.home.clear();
   LinuxTrash homeless(kernel, reader, mountTable, nobody);
   home.write("Code/dist/a.js");
   EXPECT_EQ(refusal(homeless.move(*openItem(reader, home.path("Code/dist")), 0, recorder)), TrashRefusal::guarded);
+}
+
+TEST_F(LinuxTrashTest, NothingMovesWhereTheGuardListCannotBeMade) {
+  home.write("Code/dist/a.js");
+  const auto item = openItem(reader, home.path("Code/dist"));
+  for (const auto& [error, isGuarded] : {std::pair(EIO, true), std::pair(EACCES, true), std::pair(ELOOP, false)}) {
+    const HookedReader failing(reader, [&, code = error](HookedReader::Call call, std::string_view path) {
+      const bool isSecret = call == HookedReader::Call::attributes && path == home.path(".gnupg");
+      return isSecret ? std::optional(SystemError{code}) : std::nullopt;
+    });
+    const auto moved = LinuxTrash(kernel, failing, mountTable, places).move(*item, 0, recorder);
+    EXPECT_EQ(refusal(moved) == TrashRefusal::guarded, isGuarded) << error;
+  }
 }
 
 TEST_F(LinuxTrashTest, PuttingBackIsGuardedTheSameWay) {
