@@ -100,6 +100,25 @@ TEST_F(CleanupCommandTest, EndsWithTwoWhereItIsNotToldWhatToDo) {
   EXPECT_EQ(fake.trash.calls, Strings());
 }
 
+TEST_F(CleanupCommandTest, EndsWithOneWhereItCannotReadWhereToLook) {
+  fake.defaults.failure = "The settings can't be read: Input/output error.";
+  EXPECT_EQ(run({}), failed);
+  EXPECT_EQ(fake.terminal.errors, "The settings can't be read: Input/output error. Pass --root PATH.\n");
+  const LinuxFileReader real;
+  for (const auto call :
+       {HookedReader::Call::openFolder, HookedReader::Call::nextEntries, HookedReader::Call::attributes}) {
+    const auto fail = [call](HookedReader::Call made, std::string_view name) {
+      const bool isInside = made != HookedReader::Call::attributes || name == ".";
+      return made == call && isInside ? std::optional(SystemError{EACCES}) : std::nullopt;
+    };
+    fake.platform.reader = std::make_unique<HookedReader>(real, fail);
+    fake.terminal.errors.clear();
+    EXPECT_EQ(run({"--root", "~/Code"}), failed);
+    EXPECT_EQ(fake.terminal.errors, "The folder can't be read: " + home.path("Code") + ": Permission denied\n");
+  }
+  EXPECT_EQ(fake.terminal.output, "");
+}
+
 TEST_F(CleanupCommandTest, MovesNothingForAnotherPersonThanTheOwnerOfTheHomeFolder) {
   for (const std::string& foreign : {home.root(), home.places().dataHome}) {
     home.makeFolder(".local/share");

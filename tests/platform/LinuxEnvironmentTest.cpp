@@ -72,11 +72,13 @@ TEST(LinuxDefaults, ReadTextsFromOneSmallFile) {
       {R"({"codeFolder": "/code"})" + std::string(std::size_t{1} << 20, ' '), {}}};
   FakeFiles files;
   const LinuxDefaults defaults(files, "/defaults.json");
-  EXPECT_EQ(defaults.string("codeFolder"), std::nullopt) << "no file yet";
+  EXPECT_EQ(*defaults.string("codeFolder"), std::nullopt) << "no file yet";
   for (const auto& [text, expected] : cases) {
     files.contents["/defaults.json"] = text;
-    EXPECT_EQ(defaults.string("codeFolder"), expected) << text.substr(0, 60);
+    EXPECT_EQ(*defaults.string("codeFolder"), expected) << text.substr(0, 60);
   }
+  files.failures["read /defaults.json"] = EACCES;
+  EXPECT_EQ(defaults.string("codeFolder").error(), "The settings can't be read: Permission denied.");
 }
 
 /// What the act answers while another file stands under a standard descriptor's number.
