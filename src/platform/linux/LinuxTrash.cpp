@@ -7,20 +7,14 @@
 #include <chrono>
 
 #include "base/Path.h"
-#include "platform/linux/TrashInfo.h"
+#include "platform/linux/TrashInfoFile.h"
 #include "platform/linux/TrashName.h"
 
 namespace lumenary {
 namespace {
 
-constexpr std::string_view infoSuffix = ".trashinfo";
 constexpr std::size_t longestName = 255;
 constexpr std::size_t shortestLimit = 32;
-constexpr std::size_t infoFileLimit = 64 * 1024;
-/// How much later than its act an info file may be dated.
-constexpr auto dateAllowance = std::chrono::minutes(2);
-
-std::string infoName(std::string_view name) { return std::string(name).append(infoSuffix); }
 
 TrashError refuse(TrashRefusal refusal, SystemError cause = {}, bool isSettled = true) {
   return {.refusal = refusal, .cause = cause, .isSettled = isSettled};
@@ -143,7 +137,7 @@ std::expected<void, TrashError> LinuxTrash::checkPermission(const OpenedItem& it
 
 std::expected<TrashedItem, TrashError> LinuxTrash::moveInto(const TrashFolder& trash, const OpenedItem& item,
                                                             std::int64_t allocatedBytes, IntentRecorder& recorder) {
-  std::size_t limit = longestName - infoSuffix.size();
+  std::size_t limit = longestName - TrashInfoFile::extension.size();
   for (unsigned number = 0; number < trashNameAttempts;) {
     const std::string name = trashName(item.name, number, limit);
     const Attempt attempt = this->attempt(trash, item, name, recorder);
@@ -181,7 +175,8 @@ LinuxTrash::Attempt LinuxTrash::attempt(const TrashFolder& trash, const OpenedIt
   if (auto recorded = recorder.intend(intent); !recorded) {
     return {.error = refuse(recordRefusal(recorded.error()), recorded.error())};
   }
-  if (auto written = writeInfo(trash, name, item.path, intent.date); !written) {
+  const TrashInfoFile infoFile(kernel_, trash, name);
+  if (auto written = infoFile.write(item.path, intent.date); !written) {
     const SystemError cause = written.error();
     if (cause.code == EEXIST) {
       return {.result = Result::nameTaken};
@@ -189,13 +184,12 @@ LinuxTrash::Attempt LinuxTrash::attempt(const TrashFolder& trash, const OpenedIt
     if (cause.code == ENAMETOOLONG) {
       return {.result = Result::nameTooLong};
     }
-    return {.error = refuse(recordRefusal(cause), cause, hasNoInfo(trash, name))};
+    return {.error = refuse(recordRefusal(cause), cause, infoFile.isMissing())};
   }
   const MoveReport report = moveExclusively(kernel_, {item.parent, item.name}, {trash.files, name}, item.identity);
   if (report.result == MoveResult::moved) {
     // Somebody who empties the Trash meanwhile may take the info file for a left one.
-    const bool hasInfo =
-        statusAt(kernel_, trash.info, infoName(name).c_str()) || writeInfo(trash, name, item.path, intent.date);
+    const bool hasInfo = infoFile.status() || infoFile.write(item.path, intent.date);
     const bool isSynced = hasInfo && sync(kernel_, trash.files) && sync(kernel_, item.parent);
     return {.result = Result::moved, .isSettled = isSynced && report.isSettled};
   }
@@ -209,7 +203,7 @@ LinuxTrash::Attempt LinuxTrash::attempt(const TrashFolder& trash, const OpenedIt
     // Perhaps it was moved after all: the info file stays until the next start has looked.
     return {.error = refuse(refusalOf(report), report.cause, false)};
   }
-  const bool isSettled = removeInfo(trash, name) && report.isSettled;
+  const bool isSettled = infoFile.remove() && report.isSettled;
   if (report.result == MoveResult::occupied && isSettled) {
     return {.result = Result::nameTaken};
   }
@@ -218,39 +212,7 @@ LinuxTrash::Attempt LinuxTrash::attempt(const TrashFolder& trash, const OpenedIt
 
 bool LinuxTrash::isTaken(const TrashFolder& trash, const std::string& name) {
   return statusAt(kernel_, trash.files, name.c_str()).has_value() ||
-         statusAt(kernel_, trash.info, infoName(name).c_str()).has_value();
-}
-
-/// After an error nothing that was made here is left, if it could be removed. What somebody else made stays.
-SystemResult<void> LinuxTrash::writeInfo(const TrashFolder& trash, const std::string& name,
-                                         const std::string& originalPath, Date date) {
-  auto file = openAt(kernel_, trash.info, infoName(name).c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
-  if (!file) {
-    return std::unexpected(file.error());
-  }
-  auto written = writeAndSync(kernel_, *file, composeTrashInfo(trash.recordedPath(originalPath), date));
-  if (written) {
-    written = sync(kernel_, trash.info);
-  }
-  if (!written) {
-    const auto made = statusOf(kernel_, *file);
-    const auto standing = statusAt(kernel_, trash.info, infoName(name).c_str());
-    if (made && standing && made->identity == standing->identity) {
-      static_cast<void>(removeInfo(trash, name));
-    }
-  }
-  return written;
-}
-
-bool LinuxTrash::hasNoInfo(const TrashFolder& trash, const std::string& name) {
-  const auto standing = statusAt(kernel_, trash.info, infoName(name).c_str());
-  return !standing && standing.error().isMissing();
-}
-
-/// True where no info file of that name is left.
-bool LinuxTrash::removeInfo(const TrashFolder& trash, const std::string& name) {
-  const auto removed = removeFile(kernel_, trash.info, infoName(name).c_str());
-  return removed ? sync(kernel_, trash.info).has_value() : removed.error().isMissing();
+         TrashInfoFile(kernel_, trash, name).status().has_value();
 }
 
 std::expected<TrashedItem, TrashError> LinuxTrash::putBack(const std::string& trashPath,
@@ -271,8 +233,9 @@ std::expected<TrashedItem, TrashError> LinuxTrash::putBack(const std::string& tr
     return std::unexpected(refuse(TrashRefusal::notInTrash, status.error()));
   }
   // Another item may have got the name since. A lost info file is no reason to keep a person's folder from them.
-  const RecordedInfo info = readInfo(*trash, name);
-  if (!info.isMissing() && !isOf(info, *trash, originalPath, recorded)) {
+  const TrashInfoFile infoFile(kernel_, *trash, name);
+  const auto info = infoFile.read();
+  if (!info.isMissing() && !info.isOf(originalPath, *trash, recorded)) {
     return std::unexpected(info.text ? refuse(TrashRefusal::notInTrash)
                                      : refuse(refusalOf(info.text.error()), info.text.error()));
   }
@@ -298,42 +261,15 @@ std::expected<TrashedItem, TrashError> LinuxTrash::putBack(const std::string& tr
         refuse(isGone ? TrashRefusal::notInTrash : refusalOf(report), report.cause, report.isSettled));
   }
   const bool isSynced = sync(kernel_, *parent) && sync(kernel_, trash->files);
-  const bool isInfoGone = removeInfo(*trash, name);
+  const bool isInfoGone = infoFile.remove();
   if (status->identity.kind == FileKind::folder) {
     sizeChanges_[trash->path][name] = std::nullopt;
   }
   return TrashedItem{.trashPath = trashPath, .isSettled = isSynced && isInfoGone && report.isSettled};
 }
 
-LinuxTrash::RecordedInfo LinuxTrash::readInfo(const TrashFolder& trash, const std::string& name) {
-  const auto file = openAt(kernel_, trash.info, infoName(name).c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
-  if (!file) {
-    return {.text = std::unexpected(file.error())};
-  }
-  const auto status = statusOf(kernel_, *file);
-  if (!status) {
-    return {.text = std::unexpected(status.error())};
-  }
-  auto text = readAll(kernel_, *file, infoFileLimit);
-  auto info = text ? parseTrashInfo(*text) : std::nullopt;
-  return {.text = std::move(text),
-          .info = std::move(info),
-          .modified = Date(std::chrono::seconds(status->modifiedSeconds))};
-}
-
-/// True where the info file names the origin, and was written for an act that was over at `latest`. A journey or the
-/// change of the clocks shifts the date in it; the file's own date doesn't shift, and so both must be later to tell
-/// of another act.
-bool LinuxTrash::isOf(const RecordedInfo& recorded, const TrashFolder& trash, const std::string& originalPath,
-                      Date latest) {
-  if (!recorded.info || !recorded.info->deleted || originOf(*recorded.info, trash.top) != originalPath) {
-    return false;
-  }
-  return std::min(*recorded.info->deleted, recorded.modified) <= latest + dateAllowance;
-}
-
 void LinuxTrash::noteSize(const TrashFolder& trash, const std::string& name, std::int64_t allocatedBytes) {
-  const auto info = statusAt(kernel_, trash.info, infoName(name).c_str());
+  const auto info = TrashInfoFile(kernel_, trash, name).status();
   if (info) {
     sizeChanges_[trash.path][name] =
         FolderSize{.allocatedBytes = allocatedBytes, .infoModifiedSeconds = info->modifiedSeconds};

@@ -12,7 +12,6 @@
 #include "platform/Trash.h"
 #include "platform/linux/ExclusiveMove.h"
 #include "platform/linux/TrashFolder.h"
-#include "platform/linux/TrashInfo.h"
 #include "platform/linux/TrashSizes.h"
 
 namespace lumenary {
@@ -34,14 +33,6 @@ class LinuxTrash final : public Trash {
   void writeSizes() override;
 
  private:
-  /// What an info file says: why it can't be read, or its text, and what that means where it isn't damaged.
-  struct RecordedInfo {
-    SystemResult<std::string> text;
-    std::optional<TrashInfo> info{};
-    Date modified{};
-
-    bool isMissing() const { return !text && text.error().isMissing(); }
-  };
   struct Attempt;
 
   std::expected<void, TrashError> checkPermission(const OpenedItem& item);
@@ -49,13 +40,6 @@ class LinuxTrash final : public Trash {
                                                   std::int64_t allocatedBytes, IntentRecorder& recorder);
   Attempt attempt(const TrashFolder& trash, const OpenedItem& item, const std::string& name, IntentRecorder& recorder);
   bool isTaken(const TrashFolder& trash, const std::string& name);
-  SystemResult<void> writeInfo(const TrashFolder& trash, const std::string& name, const std::string& originalPath,
-                               Date date);
-  bool hasNoInfo(const TrashFolder& trash, const std::string& name);
-  RecordedInfo readInfo(const TrashFolder& trash, const std::string& name);
-  static bool isOf(const RecordedInfo& recorded, const TrashFolder& trash, const std::string& originalPath,
-                   Date latest);
-  bool removeInfo(const TrashFolder& trash, const std::string& name);
   struct Findings;
   std::optional<Findings> find(const TrashFolder& trash, const std::string& name, const TrashIntent& intent,
                                const Mount& mount);

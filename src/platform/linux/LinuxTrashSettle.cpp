@@ -4,6 +4,7 @@
 
 #include "base/Path.h"
 #include "platform/linux/LinuxTrash.h"
+#include "platform/linux/TrashInfoFile.h"
 
 namespace lumenary {
 namespace {
@@ -29,7 +30,7 @@ bool mayBe(const FileIdentity& standing, const FileIdentity& intended, const Mou
 struct LinuxTrash::Findings {
   SystemResult<OpenedItem> origin;
   std::optional<KernelStatus> inTrash{};
-  RecordedInfo info;
+  TrashInfoFile::Content info;
   bool isInfoOfAct = false;  ///< names the origin, and isn't of a later act
   bool isAtOrigin = false;   ///< the item itself stands there
   bool isInTrash = false;
@@ -40,14 +41,14 @@ struct LinuxTrash::Findings {
 std::optional<LinuxTrash::Findings> LinuxTrash::find(const TrashFolder& trash, const std::string& name,
                                                      const TrashIntent& intent, const Mount& mount) {
   const auto inTrash = statusAt(kernel_, trash.files, name.c_str());
-  Findings found{.origin = openItem(reader_, intent.originalPath), .info = readInfo(trash, name)};
+  Findings found{.origin = openItem(reader_, intent.originalPath), .info = TrashInfoFile(kernel_, trash, name).read()};
   if ((!inTrash && !inTrash.error().isMissing()) || (!found.info.text && !found.info.isMissing())) {
     return std::nullopt;
   }
   if (inTrash) {
     found.inTrash = *inTrash;
   }
-  found.isInfoOfAct = isOf(found.info, trash, intent.originalPath, intent.date);
+  found.isInfoOfAct = found.info.isOf(intent.originalPath, trash, intent.date);
   found.isAtOrigin = found.origin && mayBe(found.origin->identity, intent.identity, mount);
   found.isInTrash = inTrash && mayBe(inTrash->identity, intent.identity, mount);
   if (found.isInTrash && !keepsInodeNumbers(mount)) {
@@ -113,7 +114,7 @@ ActState LinuxTrash::settleInfoOfAbsent(const TrashFolder& trash, const std::str
   }
   const std::string whole = composeTrashInfo(trash.recordedPath(intent.originalPath), intent.date);
   const bool isPart = whole.starts_with(*found.info.text) && found.info.modified <= intent.date + partAllowance;
-  if ((found.isInfoOfAct || isPart) && !removeInfo(trash, name)) {
+  if ((found.isInfoOfAct || isPart) && !TrashInfoFile(kernel_, trash, name).remove()) {
     return ActState::unknown;
   }
   return ActState::atOrigin;
@@ -125,7 +126,8 @@ ActState LinuxTrash::settleInfoOfPresent(const TrashFolder& trash, const std::st
   if (found.info.info) {
     return ActState::inTrash;
   }
-  if (!removeInfo(trash, name) || !writeInfo(trash, name, intent.originalPath, intent.date)) {
+  const TrashInfoFile infoFile(kernel_, trash, name);
+  if (!infoFile.remove() || !infoFile.write(intent.originalPath, intent.date)) {
     return ActState::unknown;
   }
   return ActState::inTrash;
