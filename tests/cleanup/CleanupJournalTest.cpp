@@ -75,25 +75,23 @@ TEST(CleanupJournal, IsMadeAtTheFirstIntentAndLockedWhileTheActRuns) {
                                                    "grow " + folder, "append " + folder, "append " + folder}));
   ASSERT_EQ(files.growing.size(), 1U);
   EXPECT_EQ(files.contents[*files.growing.begin()], textOf({entry("/one"), entry("/two")}));
-
-  journal.finish();
-  EXPECT_TRUE(files.growing.empty());
-  EXPECT_EQ(files.contents.size(), 1U) << "only the lock is left";
 }
 
-TEST(CleanupJournal, StaysWhereItIsKeptOrNotFinished) {
-  for (const bool isKept : {true, false}) {
+TEST(CleanupJournal, GoesWhereItIsFinishedAndNotKept) {
+  for (const auto& [isKept, isFinished] : {std::pair(false, true), std::pair(true, true), std::pair(false, false)}) {
     FakeFiles files;
     {
       CleanupJournal journal(files, "/support");
       ASSERT_TRUE(CleanupJournal::Recorder(journal, entry("")).intend(entry("/one").intent));
       if (isKept) {
         journal.keepForRecovery();
+      }
+      if (isFinished) {
         journal.finish();
       }
     }
     EXPECT_TRUE(files.growing.empty());
-    EXPECT_EQ(files.contents.size(), 2U);
+    EXPECT_EQ(files.contents.size(), isFinished && !isKept ? 1U : 2U) << "the lock, and the journal";
   }
 }
 

@@ -154,6 +154,23 @@ TEST(LinuxInterruptionDeathTest, EndsTheProcessByTheSignalThatCame) {
   }
 }
 
+/// As a person does whose first Ctrl-C takes too long.
+void takeSignalTwice(int number) {
+  LinuxInterruption interruption;
+  std::binary_semaphore stopped(0);
+  const std::stop_callback noted(interruption.token(), [&] { stopped.release(); });
+  ::kill(::getpid(), number);
+  stopped.acquire();
+  ::alarm(60);
+  for (;;) {
+    ::kill(::getpid(), number);
+  }
+}
+
+TEST(LinuxInterruptionDeathTest, LetsASecondSignalEndTheProcessAtOnce) {
+  EXPECT_EXIT(takeSignalTwice(SIGINT), testing::KilledBySignal(SIGINT), "");
+}
+
 TEST(LinuxInterruption, LeavesAnIgnoredSignalIgnoredAndPutsTheOthersBackWhenItGoes) {
   const auto former = ::signal(SIGHUP, SIG_IGN);
   sigset_t before;
