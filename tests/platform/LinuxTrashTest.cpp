@@ -448,6 +448,25 @@ TEST_F(LinuxTrashTest, AnActThatDiedIsToldByWhatStandsWhere) {
   }
 }
 
+TEST_F(LinuxTrashTest, AFileThatDiedBetweenItsTwoNamesKeepsTheFirst) {
+  for (const std::string& origin : {home.path("Code/file"), home.path("Code/its other name")}) {
+    home.build({{"Code/file", Content{"text"}}, {".local/share/Trash/files/file", HardLinkTo{"Code/file"}}});
+    home.write(".local/share/Trash/info/file.trashinfo", composeTrashInfo(origin, moved));
+    const bool isOurs = origin == home.path("Code/file");
+    for (const char* type : {"ext4", "overlay"}) {
+      const MountsOfType mounts(type);
+      const TrashIntent intent{.originalPath = home.path("Code/file"),
+                               .trashPath = home.trash("files/file"),
+                               .identity = openItem(reader, home.path("Code/file"))->identity,
+                               .date = moved};
+      EXPECT_EQ(LinuxTrash(kernel, reader, mounts, places).settle(intent), ActState::atOrigin) << type;
+      EXPECT_EQ(contentsOf(home.path("Code/file")), "text");
+      EXPECT_EQ(standsAt(home.trash("files/file")), !isOurs) << "another name may have been moved on its own";
+      EXPECT_EQ(standsAt(home.trash("info/file.trashinfo")), !isOurs);
+    }
+  }
+}
+
 TEST_F(LinuxTrashTest, WhereATrashCannotBeReadNothingIsKnownAndNothingRemoved) {
   home.write("Code/app/dist/a.js");
   ASSERT_TRUE(move(home.path("Code/app/dist")));
