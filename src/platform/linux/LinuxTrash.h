@@ -44,9 +44,9 @@ class LinuxTrash final : public Trash {
   std::optional<Findings> find(const TrashFolder& trash, const std::string& name, const TrashIntent& intent,
                                const Mount& mount);
   ActState settleInfoOfAbsent(const TrashFolder& trash, const std::string& name, const TrashIntent& intent,
-                              const Findings& findings);
+                              const Findings& found);
   ActState settleInfoOfPresent(const TrashFolder& trash, const std::string& name, const TrashIntent& intent,
-                               const Findings& findings);
+                               const Findings& found);
   void noteSize(const TrashFolder& trash, const std::string& name, std::int64_t allocatedBytes);
 
   LinuxKernel& kernel_;

@@ -75,9 +75,10 @@ ActState LinuxTrash::settle(const TrashIntent& intent) {
     // Without its Trash nothing can be left there. Where neither place can be read, nothing is known.
     const auto origin = openItem(reader_, intent.originalPath);
     const bool isRead = trash.error().isMissing() && (origin || origin.error().isMissing());
-    return !isRead                                                      ? ActState::unknown
-           : origin && mayBe(origin->identity, intent.identity, *mount) ? ActState::atOrigin
-                                                                        : ActState::neither;
+    if (!isRead) {
+      return ActState::unknown;
+    }
+    return origin && mayBe(origin->identity, intent.identity, *mount) ? ActState::atOrigin : ActState::neither;
   }
   if (!trash->top.empty() && !isSameOrInside(intent.originalPath, trash->top)) {
     return ActState::unknown;  // no line of ours: an item never leaves its volume
@@ -87,8 +88,9 @@ ActState LinuxTrash::settle(const TrashIntent& intent) {
   if (!found || found->isInDoubt) {
     return ActState::unknown;
   }
-  const bool hasTwoNames = found->isInTrash && found->origin && found->origin->identity == found->inTrash->identity &&
-                           found->inTrash->linkCount > 1 && intent.identity.kind != FileKind::folder;
+  const bool hasTwoNames = found->isInTrash && found->origin && found->inTrash &&
+                           found->origin->identity == found->inTrash->identity && found->inTrash->linkCount > 1 &&
+                           intent.identity.kind != FileKind::folder;
   if (hasTwoNames) {
     // A file that died between its two names: the second one goes, the file stays. Another name of the same file may
     // have been moved here on its own; its info file tells.

@@ -15,10 +15,11 @@ constexpr auto dateAllowance = std::chrono::minutes(2);
 /// A journey or the change of the clocks shifts the date in the file; the file's own date doesn't shift, and so both
 /// must be later to tell of another act.
 bool TrashInfoFile::Content::isOf(const std::string& originalPath, const TrashFolder& trash, Date latest) const {
-  if (!info || !info->deleted || originOf(*info, trash.top) != originalPath) {
+  if (!info || originOf(*info, trash.top) != originalPath) {
     return false;
   }
-  return std::min(*info->deleted, modified) <= latest + dateAllowance;
+  const std::optional<Date> deleted = info->deleted;
+  return deleted && std::min(*deleted, modified) <= latest + dateAllowance;
 }
 
 TrashInfoFile::Content TrashInfoFile::read() const {
