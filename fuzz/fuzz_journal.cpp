@@ -9,12 +9,14 @@
 // However a journal is cut or damaged, each entry that is read is one that could have been written.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace lumenary;
-  const auto entries = decodeJournal({reinterpret_cast<const char*>(data), size});
-  require(entries.has_value());
-  for (const JournalEntry& entry : *entries) {
+  const auto journal = decodeJournal({reinterpret_cast<const char*>(data), size});
+  require(journal.has_value());
+  for (const JournalEntry& entry : journal->entries) {
     const auto again = decodeJournal(encodeJournalEntry(entry));
-    require(again && again->size() == 1 && again->front().intent.originalPath == entry.intent.originalPath &&
-            again->front().intent.trashPath == entry.intent.trashPath && again->front().itemID == entry.itemID);
+    require(again && again->entries.size() == 1 && again->foreignLines.empty());
+    const JournalEntry& copy = again->entries.front();
+    require(copy.intent.originalPath == entry.intent.originalPath && copy.intent.trashPath == entry.intent.trashPath &&
+            copy.itemID == entry.itemID);
   }
   return 0;
 }

@@ -106,6 +106,9 @@ CleanupOutcome CleanupCoordinator::moveToTrash(const CleanupCandidate& candidate
   }
   outcome.success = moved.has_value();
   outcome.message = moved ? "Moved to Trash" : description(moved.error());
+  if (!moved) {
+    recorder.refused(outcome.message);
+  }
   if (moved && !moved->trashPath.empty()) {
     outcome.trashURL = FileURL{.path = moved->trashPath, .isFolder = true};
   }

@@ -69,7 +69,7 @@ std::vector<std::string> CleanupHistory::putBack(const CleanupTransaction& asked
                                                 .ruleID = item.ruleID,
                                                 .measuredBytes = item.measuredBytes,
                                                 .intent = {}});
-    const auto moved = trash_.putBack(item.trashURL->path, item.originalURL.path, recorder);
+    const auto moved = trash_.putBack(item.trashURL->path, item.originalURL.path, asked.timestamp, recorder);
     if (!(moved ? moved->isSettled : moved.error().isSettled)) {
       journal.keepForRecovery();
     }

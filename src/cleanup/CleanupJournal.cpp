@@ -26,12 +26,14 @@ std::optional<JournalEntry> decodeEntry(const JsonValue& object) {
   const auto kind = text("kind").and_then([](auto word) { return enumOf<FileKind>(kindTexts, word); });
   const auto measuredBytes = object.member("measuredBytes").and_then(&JsonValue::integer);
   const auto originalURL = text("originalURL").and_then(parseFileURL);
+  const auto refusal = object.member("refusal");
+  const auto refusalText = refusal ? refusal->string() : std::string_view();
   const auto ruleID = text("ruleID");
   const auto source = text("source").and_then(sourceOf);
   const auto transactionID = text("transactionID").and_then(UUID::parse);
   const auto trashURL = text("trashURL").and_then(parseFileURL);
   if (!act || !date || !device || !inode || !itemID || !kind || !measuredBytes || *measuredBytes < 0 || !originalURL ||
-      !ruleID || !source || !transactionID || !trashURL) {
+      !refusalText || !ruleID || !source || !transactionID || !trashURL) {
     return std::nullopt;
   }
   return JournalEntry{.act = *act,
@@ -43,7 +45,8 @@ std::optional<JournalEntry> decodeEntry(const JsonValue& object) {
                       .intent = {.originalPath = originalURL->path,
                                  .trashPath = trashURL->path,
                                  .identity = {.device = *device, .inode = *inode, .kind = *kind},
-                                 .date = *date}};
+                                 .date = *date},
+                      .refusal = bytesOfReversibleText(*refusalText)};
 }
 
 }  // namespace
@@ -61,6 +64,9 @@ std::string encodeJournalEntry(const JournalEntry& entry) {
   json.key("kind").string(kindTexts.at(static_cast<std::size_t>(intent.identity.kind)));
   json.key("measuredBytes").integer(entry.measuredBytes);
   json.key("originalURL").string(fileURLString({.path = intent.originalPath, .isFolder = isFolder}));
+  if (!entry.refusal.empty()) {
+    json.key("refusal").bytes(entry.refusal);
+  }
   json.key("ruleID").bytes(entry.ruleID);
   json.key("source").string(rawValue(entry.source));
   json.key("transactionID").string(entry.transactionID.text());
@@ -69,19 +75,21 @@ std::string encodeJournalEntry(const JournalEntry& entry) {
   return json.take() + "\n";
 }
 
-std::expected<std::vector<JournalEntry>, JsonDocument::Error> decodeJournal(std::string_view text) {
-  std::vector<JournalEntry> entries;
+std::expected<DecodedJournal, JsonDocument::Error> decodeJournal(std::string_view text) {
+  DecodedJournal journal;
   for (auto end = text.find('\n'); end != std::string_view::npos; end = text.find('\n')) {
     const auto line = JsonDocument::parse(text.substr(0, end));
     if (!line && line.error() == JsonDocument::Error::unavailable) {
       return std::unexpected(line.error());
     }
     if (auto entry = line ? decodeEntry(line->root()) : std::nullopt) {
-      entries.push_back(*std::move(entry));
+      journal.entries.push_back(*std::move(entry));
+    } else {
+      journal.foreignLines += text.substr(0, end + 1);
     }
     text.remove_prefix(end + 1);
   }
-  return entries;
+  return journal;
 }
 
 CleanupJournal::CleanupJournal(DurableFiles& files, std::string supportFolder)
@@ -94,7 +102,16 @@ SystemResult<void> CleanupJournal::Recorder::intend(const TrashIntent& intent) {
     }
   }
   entry_.intent = intent;
-  return journal_.file_->append(encodeJournalEntry(entry_));
+  auto written = journal_.file_->append(encodeJournalEntry(entry_));
+  hasIntended_ = hasIntended_ || written;
+  return written;
+}
+
+void CleanupJournal::Recorder::refused(std::string sentence) {
+  if (hasIntended_) {
+    entry_.refusal = std::move(sentence);
+    static_cast<void>(journal_.file_->append(encodeJournalEntry(entry_)));
+  }
 }
 
 SystemResult<void> CleanupJournal::open() {
@@ -102,7 +119,7 @@ SystemResult<void> CleanupJournal::open() {
     return made;
   }
   const auto lock = files_.lock(lockPath(support_));
-  // Where there are no locks recovery doesn't run either, and can't mistake this journal for a left one.
+  // Where there are no locks recovery tells this journal from a left one by its age.
   if (!lock && !lock.error().isWithoutLocks()) {
     return std::unexpected(lock.error());
   }

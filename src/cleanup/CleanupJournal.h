@@ -30,14 +30,20 @@ struct JournalEntry {
   std::string ruleID;
   std::int64_t measuredBytes = 0;
   TrashIntent intent;
+  std::string refusal{};  ///< why the act didn't happen after all, the sentence for the person; empty: it may have
 };
 
 /// A line of JSON with its line break: keys sorted, places as file URL text, dates as ISO 8601 text.
 std::string encodeJournalEntry(const JournalEntry& entry);
 
-/// The entries of a journal in their order. A line that isn't one of ours is passed over, and so is a last line that
-/// was cut by a crash: its act had not begun. `unavailable` alone is an error: then nothing is known of the text.
-std::expected<std::vector<JournalEntry>, JsonDocument::Error> decodeJournal(std::string_view text);
+struct DecodedJournal {
+  std::vector<JournalEntry> entries;  ///< in their order
+  std::string foreignLines;           ///< whole lines that aren't one of ours, with their line breaks
+};
+
+/// A last line that was cut by a crash is passed over: its act had not begun. `unavailable` alone is an error: then
+/// nothing is known of the text.
+std::expected<DecodedJournal, JsonDocument::Error> decodeJournal(std::string_view text);
 
 /// Blocks; one thread at a time. A journal that goes without `finish` stays on the disk for recovery.
 class CleanupJournal {
@@ -49,14 +55,15 @@ class CleanupJournal {
    public:
     Recorder(CleanupJournal& journal, JournalEntry entry) : journal_(journal), entry_(std::move(entry)) {}
     SystemResult<void> intend(const TrashIntent& intent) override;
+    /// What was intended was refused: a crash before the log tells it won't count as the reason. Best effort.
+    void refused(std::string sentence);
 
    private:
     CleanupJournal& journal_;
     JournalEntry entry_;
+    bool hasIntended_ = false;
   };
 
-  /// True once an intent was taken down: there is a file.
-  bool isBegun() const { return file_ != nullptr; }
   /// Something of the act needs to be put right by the next start: the file stays.
   void keepForRecovery() { keep_ = true; }
   /// The log holds what the act did: removes the file, unless it is kept.

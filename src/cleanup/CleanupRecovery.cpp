@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -27,6 +28,18 @@ struct SettledAct {
   ActState state = ActState::unknown;
 };
 
+/// When the last act of each transaction of a journal was intended.
+using LastDates = std::map<UUID, Date>;
+
+LastDates lastDatesOf(const std::vector<SettledAct>& acts) {
+  LastDates dates;
+  for (const SettledAct& act : acts) {
+    Date& date = dates.try_emplace(act.entry.transactionID, act.entry.intent.date).first->second;
+    date = std::max(date, act.entry.intent.date);
+  }
+  return dates;
+}
+
 FileURL urlOf(const JournalEntry& entry, const std::string& path) {
   return {.path = path, .isFolder = entry.intent.identity.kind == FileKind::folder};
 }
@@ -37,15 +50,20 @@ void setState(Item& item, Outcome outcome, std::optional<FileURL> trashURL, std:
   item.message = message;
 }
 
-/// The log with its items found by identity.
+/// The log with its items found by identity, and the places in the Trash that they claim.
 class IndexedLog {
  public:
-  explicit IndexedLog(std::vector<CleanupTransaction>& transactions) : transactions_(transactions) {
+  /// `dates` must outlive the value.
+  IndexedLog(std::vector<CleanupTransaction>& transactions, const LastDates& dates)
+      : transactions_(transactions), dates_(dates) {
     for (std::size_t position = 0; position < transactions.size(); ++position) {
       transactionPositions_.emplace(transactions[position].id, position);
       for (std::size_t item = 0; item < transactions[position].items.size(); ++item) {
-        itemPositions_.emplace(std::pair(transactions[position].id, transactions[position].items[item].id),
-                               std::pair(position, item));
+        const Item& each = transactions[position].items[item];
+        itemPositions_.emplace(std::pair(transactions[position].id, each.id), std::pair(position, item));
+        if (each.outcome == Outcome::movedToTrash && each.trashURL) {
+          claimed_.insert(each.trashURL->path);
+        }
       }
     }
   }
@@ -55,12 +73,18 @@ class IndexedLog {
     return found == itemPositions_.end() ? nullptr : &transactions_[found->second.first].items[found->second.second];
   }
 
+  /// True the first time only, and not where an item on record stands at that place: of two records of one thing the
+  /// second would be put back in the other's stead.
+  bool claim(const std::string& trashPath) { return claimed_.insert(trashPath).second; }
+
   /// Adds an item that is in no transaction yet, and its transaction where the log has none.
   Item& add(const JournalEntry& entry) {
     const auto [position, isNew] = transactionPositions_.emplace(entry.transactionID, transactions_.size());
     if (isNew) {
-      transactions_.push_back(
-          {.id = entry.transactionID, .timestamp = entry.intent.date, .source = entry.source, .items = {}});
+      transactions_.push_back({.id = entry.transactionID,
+                               .timestamp = dates_.at(entry.transactionID),
+                               .source = entry.source,
+                               .items = {}});
     }
     return transactions_[position->second].items.emplace_back(
         Item{.id = entry.itemID,
@@ -73,8 +97,10 @@ class IndexedLog {
 
  private:
   std::vector<CleanupTransaction>& transactions_;
+  const LastDates& dates_;
   std::map<UUID, std::size_t> transactionPositions_;
   std::map<std::pair<UUID, UUID>, std::pair<std::size_t, std::size_t>> itemPositions_;
+  std::set<std::string> claimed_;
 };
 
 bool isRecordedIn(const Item& item, const std::string& trashPath) {
@@ -85,10 +111,15 @@ void recordMove(const SettledAct& act, IndexedLog& log) {
   const std::string& trashPath = act.entry.intent.trashPath;
   Item* item = log.find(act.entry);
   if (act.state == ActState::inTrash && (item == nullptr || item->outcome == Outcome::failed)) {
+    if (!log.claim(trashPath)) {
+      return;
+    }
     setState(item != nullptr ? *item : log.add(act.entry), Outcome::movedToTrash, urlOf(act.entry, trashPath),
              "Moved to Trash");
   } else if (act.state == ActState::atOrigin && (item == nullptr || isRecordedIn(*item, trashPath))) {
-    setState(item != nullptr ? *item : log.add(act.entry), Outcome::failed, std::nullopt, interruptedMessage);
+    const std::string& refusal = act.entry.refusal;
+    setState(item != nullptr ? *item : log.add(act.entry), Outcome::failed, std::nullopt,
+             refusal.empty() ? interruptedMessage : refusal);
   }
 }
 
@@ -100,13 +131,16 @@ void recordRestore(const SettledAct& act, IndexedLog& log) {
 }
 
 /// Where each act ended, in the order of the attempts. Of several lines of one act the last tells of the attempt that
-/// counts; the earlier ones are settled as well, as each may have left an info file.
-std::vector<SettledAct> settleAll(std::vector<JournalEntry> entries, Trash& trash, bool& hasUnknown) {
+/// counts; the earlier ones are settled as well, as each may have left an info file. The lines of which nothing is
+/// known yet are added to `unsettled`.
+std::vector<SettledAct> settleAll(std::vector<JournalEntry> entries, Trash& trash, std::string& unsettled) {
   std::vector<SettledAct> acts;
   std::map<std::tuple<UUID, UUID, JournalEntry::Act>, std::size_t> positions;
   for (JournalEntry& entry : entries) {
     const ActState state = trash.settle(entry.intent);
-    hasUnknown = hasUnknown || state == ActState::unknown;
+    if (state == ActState::unknown) {
+      unsettled += encodeJournalEntry(entry);
+    }
     const auto [position, isNew] =
         positions.emplace(std::tuple(entry.transactionID, entry.itemID, entry.act), acts.size());
     if (isNew) {
@@ -125,8 +159,9 @@ bool record(const std::vector<SettledAct>& acts, ScanStore& store) {
   if (std::ranges::none_of(acts, hasEnded)) {
     return true;
   }
+  const LastDates dates = lastDatesOf(acts);
   const auto change = [&](std::vector<CleanupTransaction>& transactions) {
-    IndexedLog log(transactions);
+    IndexedLog log(transactions, dates);
     for (const SettledAct& act : acts) {
       if (act.entry.act == JournalEntry::Act::move) {
         recordMove(act, log);
@@ -143,14 +178,20 @@ void recoverJournal(const std::string& path, DurableFiles& files, ScanStore& sto
   if (!text) {
     return;
   }
-  auto entries = decodeJournal(*text);
-  if (!entries) {
+  auto journal = decodeJournal(*text);
+  if (!journal) {
     return;
   }
-  bool hasUnknown = false;
-  const std::vector<SettledAct> acts = settleAll(*std::move(entries), trash, hasUnknown);
-  if (record(acts, store) && !hasUnknown) {
+  std::string unsettled = std::move(journal->foreignLines);
+  const std::vector<SettledAct> acts = settleAll(std::move(journal->entries), trash, unsettled);
+  if (!record(acts, store)) {
+    return;
+  }
+  // What is settled and on record leaves the journal: told again after other acts, it would contradict them.
+  if (unsettled.empty()) {
     static_cast<void>(files.remove(path));
+  } else if (unsettled != *text) {
+    static_cast<void>(files.writeAtomically(path, unsettled));
   }
 }
 
@@ -158,6 +199,8 @@ void recoverJournal(const std::string& path, DurableFiles& files, ScanStore& sto
 
 void recoverInterruptedActs(DurableFiles& files, ScanStore& store, Trash& trash) {
   const std::string folder = CleanupJournal::folder(store.support());
+  files.removeRemains(store.support());
+  files.removeRemains(folder);
   auto names = files.names(folder);
   if (!names) {
     return;
@@ -167,7 +210,7 @@ void recoverInterruptedActs(DurableFiles& files, ScanStore& store, Trash& trash)
     return;
   }
   const auto lock = files.lock(CleanupJournal::lockPath(store.support()));
-  if (!lock) {
+  if (!lock && !lock.error().isWithoutLocks()) {
     return;
   }
   for (const std::string& name : *names) {

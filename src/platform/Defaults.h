@@ -1,5 +1,6 @@
 #pragma once
 
+#include <expected>
 #include <optional>
 #include <string>
 
@@ -9,8 +10,9 @@ namespace lumenary {
 class Defaults {
  public:
   virtual ~Defaults() = default;
-  /// No value for an absent key, one of another type, or a file that is missing or damaged.
-  virtual std::optional<std::string> string(const std::string& key) const = 0;
+  /// No value for an absent key, one of another type, or a file that is missing or damaged. The error is the sentence
+  /// of why nothing is known.
+  virtual std::expected<std::optional<std::string>, std::string> string(const std::string& key) const = 0;
 };
 
 }  // namespace lumenary

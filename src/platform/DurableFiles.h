@@ -34,13 +34,17 @@ class DurableFiles {
   /// The names in a folder, in no order.
   virtual SystemResult<std::vector<std::string>> names(const std::string& folder) = 0;
   virtual SystemResult<void> remove(const std::string& path) = 0;
+  /// Removes from a folder the temporary files of writes that were killed: those older than a day that nobody locks.
+  /// Best effort.
+  virtual void removeRemains(const std::string& folder) = 0;
 
   /// Waits a few seconds for the lock on `path`, which is made where it is missing. EAGAIN where another process keeps
   /// it. The lock ends with the value or with the process.
   virtual SystemResult<Descriptor> lock(const std::string& path) = 0;
   /// Makes a new file (EEXIST where there is one) and locks it.
   virtual SystemResult<std::unique_ptr<GrowingFile>> grow(const std::string& path) = 0;
-  /// True while another process, or another value of this one, holds the lock that `grow` took.
+  /// True while another process, or another value of this one, holds the lock that `grow` took. Where the file system
+  /// has no locks: for a day after the last line.
   virtual bool isGrowing(const std::string& path) = 0;
 };
 

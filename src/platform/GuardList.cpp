@@ -30,19 +30,20 @@ GuardList::GuardList(const FileReader& reader, const std::vector<Mount>& mounts,
   if (places.home.empty() || places.dataHome.empty() || places.support.empty() || mounts.empty()) {
     return;
   }
+  isComplete_ = true;
   for (const char* path : systemPlaces) {
     guardPlace(reader, path);
   }
   for (const char* path : systemTrees) {
     guardTree(reader, path);
   }
-  for (const std::string& path :
-       {places.home, places.dataHome, places.configHome, places.cacheHome, places.stateHome,
-        appendingPathComponent(places.home, ".config"), appendingPathComponent(places.home, ".local")}) {
-    guardPlace(reader, path);
+  guardHome(reader, places.home);
+  // Another $HOME doesn't open the account's own.
+  if (!places.accountHome.empty() && places.accountHome != places.home) {
+    guardHome(reader, places.accountHome);
   }
-  for (const char* name : secrets) {
-    guardTree(reader, appendingPathComponent(places.home, name));
+  for (const std::string& path : {places.dataHome, places.configHome, places.cacheHome, places.stateHome}) {
+    guardPlace(reader, path);
   }
   for (const char* name : secretsInData) {
     guardTree(reader, appendingPathComponent(places.dataHome, name));
@@ -55,28 +56,46 @@ GuardList::GuardList(const FileReader& reader, const std::vector<Mount>& mounts,
     volumeTrashes_.push_back(appendingPathComponent(mount.point, ".Trash-" + std::to_string(places.userID)));
   }
   mounts_ = mounts;
-  isComplete_ = true;
 }
 
-void GuardList::guardPlace(const FileReader& reader, const std::string& path) {
-  places_.push_back(standardise(path));
-  if (auto attributes = reader.attributes(path, LinkPolicy::follow)) {
-    identities_.push_back(attributes->identity);
-    if (auto real = reader.realPath(path); real && *real != places_.back()) {
-      places_.push_back(*std::move(real));
-    }
+void GuardList::guardHome(const FileReader& reader, const std::string& home) {
+  for (const std::string& path :
+       {home, appendingPathComponent(home, ".config"), appendingPathComponent(home, ".local")}) {
+    guardPlace(reader, path);
+  }
+  for (const char* name : secrets) {
+    guardTree(reader, appendingPathComponent(home, name));
+  }
+  for (const char* name : secretsInData) {
+    guardTree(reader, appendingPathComponent(home, std::string(".local/share/") + name));
   }
 }
 
+std::optional<FileIdentity> GuardList::guard(const FileReader& reader, const std::string& path,
+                                             std::vector<std::string>& guarded) {
+  guarded.push_back(standardise(path));
+  const auto attributes = reader.attributes(path, LinkPolicy::follow);
+  if (!attributes) {
+    // A link to itself leads nowhere.
+    isComplete_ = isComplete_ && (attributes.error().isMissing() || attributes.error().isLink());
+    return std::nullopt;
+  }
+  // "/bin" may lead to "/usr/bin", a secret to another disk: what is guarded is where it leads.
+  auto real = reader.realPath(path);
+  if (!real) {
+    isComplete_ = false;
+  } else if (*real != guarded.back()) {
+    guarded.push_back(*std::move(real));
+  }
+  identities_.push_back(attributes->identity);
+  return attributes->identity;
+}
+
+void GuardList::guardPlace(const FileReader& reader, const std::string& path) { guard(reader, path, places_); }
+
 void GuardList::guardTree(const FileReader& reader, const std::string& path) {
-  trees_.push_back(standardise(path));
-  if (auto attributes = reader.attributes(path, LinkPolicy::follow)) {
-    identities_.push_back(attributes->identity);
-    treeIdentities_.push_back(attributes->identity);
-    // "/bin" may lead to "/usr/bin", a secret to another disk: what is guarded is where it leads.
-    if (auto real = reader.realPath(path); real && *real != trees_.back()) {
-      trees_.push_back(*std::move(real));
-    }
+  if (const auto identity = guard(reader, path, trees_)) {
+    treeIdentities_.push_back(*identity);
   }
 }
 

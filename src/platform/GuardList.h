@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,7 +16,8 @@ namespace lumenary {
 /// points, which the mover sees for itself, come on top.
 class GuardList {
  public:
-  /// `places.home` and the mounts must be known, otherwise everything is refused. Each mount may have Trash folders.
+  /// `places.home` and the mounts must be known, and each guarded path be looked at unless it is missing; otherwise
+  /// everything is refused. Each mount may have Trash folders.
   GuardList(const FileReader& reader, const std::vector<Mount>& mounts, const Places& places);
 
   /// True where the thing at `path` (no links in it) must stay: it is guarded itself, holds something guarded, lies
@@ -30,6 +32,10 @@ class GuardList {
 
  private:
   bool isInsideGuarded(std::string_view path) const;
+  void guardHome(const FileReader& reader, const std::string& home);
+  /// Returns what stands there, where anything does.
+  std::optional<FileIdentity> guard(const FileReader& reader, const std::string& path,
+                                    std::vector<std::string>& guarded);
   void guardPlace(const FileReader& reader, const std::string& path);
   void guardTree(const FileReader& reader, const std::string& path);
 

@@ -8,6 +8,7 @@ namespace lumenary {
 /// Where this person's things are. A variable that is unset, empty or relative means its default.
 struct Places {
   std::string home;          ///< empty where it can't be told; nothing may be moved then
+  std::string accountHome;   ///< by the password database, whatever $HOME says; empty where it can't be told
   std::string dataHome;      ///< $XDG_DATA_HOME, ~/.local/share
   std::string configHome;    ///< $XDG_CONFIG_HOME, ~/.config
   std::string cacheHome;     ///< $XDG_CACHE_HOME, ~/.cache

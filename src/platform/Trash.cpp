@@ -43,8 +43,8 @@ std::string TrashError::description() const {
       return "Its volume is read-only, so it stays where it is.";
     case TrashRefusal::noTrash:
       return "Its volume has no Trash that can be used, so it stays where it is.";
-    case TrashRefusal::otherVolume:
-      return "Its Trash is on another volume, so it stays where it is.";
+    case TrashRefusal::onlyByCopy:
+      return "Its volume could move it only by copying it, so it stays where it is.";
     case TrashRefusal::noFreeName:
       return "The Trash has no free name for it, so it stays where it is.";
     case TrashRefusal::noExclusiveMove:
@@ -57,6 +57,8 @@ std::string TrashError::description() const {
       return "The original destination is already occupied.";
     case TrashRefusal::parentGone:
       return "The original parent folder no longer exists.";
+    case TrashRefusal::parentClosed:
+      return "The original parent folder can't be opened.";
     case TrashRefusal::notInTrash:
       return "The recorded Trash item is no longer available.";
     case TrashRefusal::failed:

@@ -36,13 +36,14 @@ enum class TrashRefusal : std::uint8_t {
   folderClosed,   ///< the folder around it, or the item, can't be changed by this person
   readOnlyVolume,
   noTrash,           ///< no Trash folder can be used on its volume
-  otherVolume,       ///< its Trash is on another file system; nothing is ever copied
+  onlyByCopy,        ///< its file system can move it only as a copy (an overlay, a quota of a project)
   noFreeName,        ///< no free name in the Trash
   noExclusiveMove,   ///< the file system can't move a folder without the risk of overwriting
   noSpace,           ///< the disk is full
   recordUnwritable,  ///< the record that must stand before the move can't be written
   occupied,          ///< restore: something stands at the former place
   parentGone,        ///< restore: the folder around the former place is gone or reached through a link
+  parentClosed,      ///< restore: it can't be opened by this person
   notInTrash,        ///< restore: the recorded item isn't in the Trash any more
   failed,            ///< any other error of the system
 };
@@ -95,9 +96,10 @@ class Trash {
   /// deletes. `allocatedBytes` is the measured size of a folder, for the Trash's own list of sizes.
   virtual std::expected<TrashedItem, TrashError> move(const OpenedItem& item, std::int64_t allocatedBytes,
                                                       IntentRecorder& recorder) = 0;
-  /// Moves the item at `trashPath` back to `originalPath`, if it is the one that came from there.
+  /// Moves the item at `trashPath` back to `originalPath`, if it is the one that came from there, by an act that was on
+  /// record at `recorded`: what went to the Trash later is another one.
   virtual std::expected<TrashedItem, TrashError> putBack(const std::string& trashPath, const std::string& originalPath,
-                                                         IntentRecorder& recorder) = 0;
+                                                         Date recorded, IntentRecorder& recorder) = 0;
   /// Looks where an act that was intended by a process that died has ended, and makes the info file agree with it.
   virtual ActState settle(const TrashIntent& intent) = 0;
   /// Writes the sizes of the folders moved so far to the Trash's list of sizes. Best effort.

@@ -46,19 +46,21 @@ TEST(CleanupJournal, ReadsEveryLineThatIsWholeAndItsOwn) {
     const char* name;
     std::string text;
     std::string read;
+    std::string foreign{};
   } cases[] = {
       {"nothing", "", ""},
       {"two lines", one + two, one + two},
       {"a last line that was cut", one + two.substr(0, 40), one},
       {"a last line without its end", one + two.substr(0, two.size() - 1), one},
-      {"a damaged line between", one + "{\"act\":\n" + two, one + two},
-      {"another kind of line", "[]\n{}\n" + two, two},
-      {"a negative size", negative + one, one},
+      {"a damaged line between", one + "{\"act\":\n" + two, one + two, "{\"act\":\n"},
+      {"another kind of line", "[]\n{}\n" + two, two, "[]\n{}\n"},
+      {"a negative size", negative + one, one, negative},
   };
-  for (const auto& [name, text, read] : cases) {
-    const auto entries = decodeJournal(text);
-    ASSERT_TRUE(entries) << name;
-    EXPECT_EQ(textOf(*entries), read) << name;
+  for (const auto& [name, text, read, foreign] : cases) {
+    const auto journal = decodeJournal(text);
+    ASSERT_TRUE(journal) << name;
+    EXPECT_EQ(textOf(journal->entries), read) << name;
+    EXPECT_EQ(journal->foreignLines, foreign) << name;
   }
 }
 
@@ -73,25 +75,23 @@ TEST(CleanupJournal, IsMadeAtTheFirstIntentAndLockedWhileTheActRuns) {
                                                    "grow " + folder, "append " + folder, "append " + folder}));
   ASSERT_EQ(files.growing.size(), 1U);
   EXPECT_EQ(files.contents[*files.growing.begin()], textOf({entry("/one"), entry("/two")}));
-
-  journal.finish();
-  EXPECT_TRUE(files.growing.empty());
-  EXPECT_EQ(files.contents.size(), 1U) << "only the lock is left";
 }
 
-TEST(CleanupJournal, StaysWhereItIsKeptOrNotFinished) {
-  for (const bool isKept : {true, false}) {
+TEST(CleanupJournal, GoesWhereItIsFinishedAndNotKept) {
+  for (const auto& [isKept, isFinished] : {std::pair(false, true), std::pair(true, true), std::pair(false, false)}) {
     FakeFiles files;
     {
       CleanupJournal journal(files, "/support");
       ASSERT_TRUE(CleanupJournal::Recorder(journal, entry("")).intend(entry("/one").intent));
       if (isKept) {
         journal.keepForRecovery();
+      }
+      if (isFinished) {
         journal.finish();
       }
     }
     EXPECT_TRUE(files.growing.empty());
-    EXPECT_EQ(files.contents.size(), 2U);
+    EXPECT_EQ(files.contents.size(), isFinished && !isKept ? 1U : 2U) << "the lock, and the journal";
   }
 }
 

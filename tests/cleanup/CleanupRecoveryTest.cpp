@@ -128,6 +128,14 @@ TEST(CleanupRecovery, ItemsJoinTheirTransactionInTheOrderOfTheAttempt) {
   EXPECT_EQ(items[2].id, identity(3));
 }
 
+TEST(CleanupRecovery, AnActIsDatedByTheLastOfItsItems) {
+  JournalEntry later = entry(Act::move, 8, "/away/files/dist");
+  later.intent.date += std::chrono::hours(1);
+  Aftermath aftermath({entry(Act::move, 9), later});
+  aftermath.trash.states = {{"/trash/files/dist", ActState::inTrash}, {"/away/files/dist", ActState::unknown}};
+  EXPECT_EQ(aftermath.recover().at(0).timestamp, later.intent.date) << "or the later one would count as another's";
+}
+
 TEST(CleanupRecovery, EveryNameThatWasTriedIsSettledAndTheLastCounts) {
   Aftermath aftermath({entry(Act::move, 9, "/trash/files/dist"), entry(Act::move, 9, "/trash/files/dist.2")});
   aftermath.trash.states = {{"/trash/files/dist", ActState::neither}, {"/trash/files/dist.2", ActState::inTrash}};
@@ -142,11 +150,33 @@ TEST(CleanupRecovery, AnActOnAVolumeThatIsAwayWaitsForAnotherTime) {
   aftermath.trash.states = {{"/away/files/dist", ActState::unknown}, {"/trash/files/dist", ActState::inTrash}};
   const auto moved = item(Outcome::movedToTrash, "/trash/files/dist", "Moved to Trash");
   EXPECT_EQ(aftermath.recover(), std::vector{transaction({moved})});
-  EXPECT_TRUE(aftermath.isJournalLeft());
+  EXPECT_EQ(aftermath.files.contents[journalPath], encodeJournalEntry(entry(Act::move, 8, "/away/files/dist")))
+      << "what is settled isn't asked again";
 
   aftermath.trash.states["/away/files/dist"] = ActState::neither;
   EXPECT_EQ(aftermath.recover(), std::vector{transaction({moved})});
   EXPECT_FALSE(aftermath.isJournalLeft());
+}
+
+TEST(CleanupRecovery, ALineThatIsNotUnderstoodKeepsTheJournalAndHoldsNothingUp) {
+  Aftermath aftermath({entry(Act::move, 9)});
+  aftermath.files.contents[journalPath] += "{\"act\":\"of a later version\"}\n";
+  aftermath.trash.states["/trash/files/dist"] = ActState::inTrash;
+  EXPECT_EQ(aftermath.recover().size(), 1U);
+  EXPECT_EQ(aftermath.files.contents[journalPath], "{\"act\":\"of a later version\"}\n");
+}
+
+TEST(CleanupRecovery, OneThingInTheTrashIsClaimedByOneItem) {
+  Item claiming = item(Outcome::movedToTrash, "/trash/files/dist", "Moved to Trash");
+  claiming.id = identity(5);
+  const Item refused = item(Outcome::failed, nullptr, "It could not be moved.");
+  for (const auto& before : {std::vector{transaction({refused, claiming})}, std::vector{transaction({claiming})}}) {
+    Aftermath aftermath({entry(Act::move, 9)});
+    aftermath.trash.states["/trash/files/dist"] = ActState::inTrash;
+    aftermath.files.contents[logPath] = encodeCleanupTransactions(before);
+    EXPECT_EQ(aftermath.recover(), before);
+    EXPECT_FALSE(aftermath.isJournalLeft());
+  }
 }
 
 TEST(CleanupRecovery, AJournalStaysUntilItIsReadAndItsActsAreOnRecord) {
@@ -166,12 +196,34 @@ TEST(CleanupRecovery, AJournalStaysUntilItIsReadAndItsActsAreOnRecord) {
   }
 }
 
+TEST(CleanupRecovery, ARefusalIsNotTakenForAnInterruption) {
+  JournalEntry refused = entry(Act::move, 9);
+  refused.refusal = "Its volume is read-only, so it stays where it is.";
+  for (const ActState state : {ActState::atOrigin, ActState::inTrash}) {
+    Aftermath aftermath({entry(Act::move, 9), refused});
+    aftermath.trash.states["/trash/files/dist"] = state;
+    const bool isMoved = state == ActState::inTrash;
+    const Item expected = isMoved ? item(Outcome::movedToTrash, "/trash/files/dist", "Moved to Trash")
+                                  : item(Outcome::failed, nullptr, refused.refusal);
+    EXPECT_EQ(aftermath.recover(), std::vector{transaction({expected})}) << "the disk counts more than the refusal";
+  }
+}
+
 TEST(CleanupRecovery, AnActThatStillRunsIsLeftAlone) {
   Aftermath aftermath({entry(Act::move, 9)});
   aftermath.files.growing = {journalPath};
   EXPECT_TRUE(aftermath.recover().empty());
   EXPECT_TRUE(aftermath.isJournalLeft());
   EXPECT_TRUE(aftermath.trash.calls.empty());
+}
+
+TEST(CleanupRecovery, RunsWhereThereAreNoLocks) {
+  Aftermath aftermath({entry(Act::move, 9)});
+  aftermath.trash.states["/trash/files/dist"] = ActState::inTrash;
+  aftermath.files.failures = {{"lock " + folder + "/lock", ENOLCK},
+                              {"lock /support/cleanup-transactions.lock", ENOLCK}};
+  EXPECT_EQ(aftermath.recover().size(), 1U);
+  EXPECT_FALSE(aftermath.isJournalLeft());
 }
 
 TEST(CleanupRecovery, WhereNothingWasLeftNothingIsMade) {

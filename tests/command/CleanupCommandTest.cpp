@@ -100,6 +100,42 @@ TEST_F(CleanupCommandTest, EndsWithTwoWhereItIsNotToldWhatToDo) {
   EXPECT_EQ(fake.trash.calls, Strings());
 }
 
+TEST_F(CleanupCommandTest, EndsWithOneWhereItCannotReadWhereToLook) {
+  fake.defaults.failure = "The settings can't be read: Input/output error.";
+  EXPECT_EQ(run({}), failed);
+  EXPECT_EQ(fake.terminal.errors, "The settings can't be read: Input/output error. Pass --root PATH.\n");
+  const LinuxFileReader real;
+  for (const auto call :
+       {HookedReader::Call::openFolder, HookedReader::Call::nextEntries, HookedReader::Call::attributes}) {
+    const auto fail = [call](HookedReader::Call made, std::string_view name) {
+      const bool isInside = made != HookedReader::Call::attributes || name == ".";
+      return made == call && isInside ? std::optional(SystemError{EACCES}) : std::nullopt;
+    };
+    fake.platform.reader = std::make_unique<HookedReader>(real, fail);
+    fake.terminal.errors.clear();
+    EXPECT_EQ(run({"--root", "~/Code"}), failed);
+    EXPECT_EQ(fake.terminal.errors, "The folder can't be read: " + home.path("Code") + ": Permission denied\n");
+  }
+  EXPECT_EQ(fake.terminal.output, "");
+}
+
+TEST_F(CleanupCommandTest, MovesNothingForAnotherPersonThanTheOwnerOfTheHomeFolder) {
+  for (const std::string& foreign : {home.root(), home.places().dataHome}) {
+    home.makeFolder(".local/share");
+    const LinuxFileReader real;
+    fake.platform.reader = std::make_unique<HookedReader>(
+        real, [](HookedReader::Call, std::string_view) { return std::optional<SystemError>(); },
+        [&](std::string_view path, FileAttributes& found) { found.owner += path == foreign ? 1 : 0; });
+    fake.terminal.errors.clear();
+    EXPECT_EQ(run({"--root", "~/Code", "--days", "365", "--trash"}), wrongUsage);
+    EXPECT_EQ(fake.terminal.errors,
+              "Your data would be written to a folder of another user, so nothing is moved: " + foreign + "\n");
+    EXPECT_EQ(run({"--root", "~/Code"}), finished) << "listing is for everybody";
+    EXPECT_EQ(fake.files.calls, Strings());
+    EXPECT_EQ(fake.trash.calls, Strings());
+  }
+}
+
 TEST_F(CleanupCommandTest, ListsTheFolderThatIsMeantAndTouchesNothing) {
   fake.defaults.values["codeFolder"] = "~/Code";
   for (const Arguments& arguments : {Arguments{},
@@ -193,6 +229,17 @@ TEST_F(CleanupCommandTest, KeepsTheJournalOfARecordThatCannotBeSaved) {
   EXPECT_EQ(fake.trash.calls.at(0), "settle /trash/files/dist") << "before anything else moves";
   EXPECT_EQ(log().size(), 2U);
   EXPECT_EQ(journals(), 0);
+}
+
+TEST_F(CleanupCommandTest, SaysNothingOfARecordOfNothing) {
+  fake.files.failures["write " + logPath()] = ENOSPC;
+  fake.trash.failures[home.path("Code/web/dist")] = {.refusal = TrashRefusal::readOnlyVolume};
+  EXPECT_EQ(run({"--root", "~/Code", "--days", "1200", "--trash"}), failed);
+  EXPECT_EQ(fake.terminal.errors, "");
+  fake.files.failures.clear();
+  fake.trash.states["/trash/files/dist"] = ActState::atOrigin;
+  EXPECT_EQ(run({"--root", "~/Code", "--days", "9999", "--trash"}), finished);
+  EXPECT_EQ(record(), Strings{"failed Its volume is read-only, so it stays where it is. -"}) << "not an interruption";
 }
 
 TEST_F(CleanupCommandTest, EndsASearchThatIsStopped) {

@@ -1,9 +1,6 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <csignal>
-#include <map>
-
 #include "cleanup/command/Options.h"
 #include "storage/CleanupTransaction.h"
 #include "support/ProgramRun.h"
@@ -11,16 +8,8 @@
 
 // The program itself, in a home of its own.
 
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define LUMENARY_UNDER_SANITIZER
-#endif
-#endif
-
 namespace lumenary {
 namespace {
-
-using Kind = TracedProgram::Stop::Kind;
 
 const Date longAgo = std::chrono::sys_days(std::chrono::year(2001) / 6 / 15);
 
@@ -87,7 +76,7 @@ TEST_F(Executable, TellsAFolderThatStays) {
 }
 
 TEST_F(Executable, TellsThatItHasNoOutput) {
-  const ProgramRun ended = runProgram(home.root(), {"cleanup", "--root", home.path("Code")}, [] {
+  const ProgramRun ended = runProgram(home.root(), {"cleanup", "--root", home.path("Code")}, {}, [] {
     ::close(STDIN_FILENO);
     ::close(STDOUT_FILENO);
   });
@@ -95,63 +84,16 @@ TEST_F(Executable, TellsThatItHasNoOutput) {
   EXPECT_EQ(ended.errors, "The list could not be written.\n");
 }
 
-#ifndef LUMENARY_UNDER_SANITIZER
-
-TEST_F(Executable, HoldsNoLibraryThatAListingDoesNotNeed) {
-  TracedProgram program(home.root(), {"cleanup", "--root", home.path("Code")});
-  if (!program.isTraced()) {
-    GTEST_SKIP() << "This system allows no tracing.";
-  }
-  auto stop = program.next();
-  for (; stop.kind != Kind::programEnds && stop.kind != Kind::programEnded; stop = program.next()) {
-    program.resume(stop);
-  }
-  const std::string maps = program.maps();
-  EXPECT_NE(maps.find("/Lumenary\n"), std::string::npos) << maps;
+TEST_F(Executable, LoadsNothingThatAListingDoesNotNeed) {
+  // The loader tells each library that it opens, those that are opened later included.
+  const std::vector<std::string> telling = {"LD_DEBUG=files"};
+  home.write(".config/Lumenary/defaults.json", "{}");
+  EXPECT_NE(runProgram(home.root(), {"cleanup"}, telling).errors.find("simdjson"), std::string::npos);
+  const ProgramRun ended = runProgram(home.root(), {"cleanup", "--root", home.path("Code")}, telling);
   for (const char* library : {"simdjson", "Qt", "libX", "xcb", "wayland", "libGL", "libEGL", "gtk", "dbus"}) {
-    EXPECT_EQ(maps.find(library), std::string::npos) << library;
+    EXPECT_EQ(ended.errors.find(library), std::string::npos) << library;
   }
 }
-
-TEST_F(Executable, EndsByControlCWithoutAnyOutput) {
-  TracedProgram program(home.root(), {"cleanup", "--root", home.path("Code"), "--days", "30", "--trash"});
-  if (!program.isTraced()) {
-    GTEST_SKIP() << "This system allows no tracing.";
-  }
-  // The first thread takes the signals. The second one searches: it is held back, as if the disk were slow.
-  std::vector<pid_t> made;
-  std::map<pid_t, TracedProgram::Stop> begun;
-  while (made.size() < 2 || begun.size() < 2) {
-    const auto stop = program.next();
-    ASSERT_NE(stop.kind, Kind::programEnded);
-    if (stop.kind == Kind::threadBegins) {
-      begun.emplace(stop.thread, stop);
-      continue;
-    }
-    if (stop.kind == Kind::threadMade) {
-      made.push_back(stop.made);
-    }
-    program.resume(stop);
-  }
-  program.resume(begun.at(made[0]));
-  EXPECT_NE(program.awaitOnTerminal("found").find("\r\x1b[KLooking for projects… 0 found"), std::string::npos);
-  program.pressControlC();
-  // Once it has asked the others to stop, the first thread takes a second Ctrl-C with its plain effect.
-  EXPECT_TRUE(program.awaitUnblocked(made[0], SIGINT));
-  program.resume(begun.at(made[1]));
-  auto stop = program.next();
-  for (; stop.kind != Kind::programEnded; stop = program.next()) {
-    program.resume(stop);
-  }
-  const ProgramRun ended{.waitStatus = stop.waitStatus, .output = program.output(), .errors = program.restOfTerminal()};
-  EXPECT_TRUE(ended.wasKilledBy(SIGINT)) << ended.waitStatus;
-  EXPECT_EQ(ended.output, "");
-  EXPECT_TRUE(ended.errors.ends_with("\r\x1b[K")) << "the line of progress is gone: " << ended.errors;
-  EXPECT_TRUE(standsAt(home.path("Code/app/node_modules/a.js")));
-  EXPECT_FALSE(standsAt(home.path(".local")));
-}
-
-#endif
 
 }  // namespace
 }  // namespace lumenary

@@ -83,30 +83,34 @@ TEST_F(CleanupListing, IsATableThatNoNameCanDisturb) {
 
 TEST_F(CleanupListing, CountsMovedFoldersWhosePlaceIsKnown) {
   results = {{candidates[0].url.path, FileURL{"/trash/files/node_modules", true}},
-             {candidates[1].url.path, std::unexpected("The item no longer exists.")},
+             {candidates[1].url.path, std::unexpected("It \"stays\".")},
              {candidates[2].url.path, std::nullopt}};
   EXPECT_EQ(tableText(listing(Act::moved)),
             "2.25 GB    3 days ago   /code/app/node_modules\n"
-            "1 KB       not sure     /code/a\uFFFD\uFFFD[2J\uFFFD\uFFFD/dist  (not moved: The item no longer exists.)\n"
+            "1 KB       not sure     /code/a\uFFFD\uFFFD[2J\uFFFD\uFFFD/dist  (not moved: It \"stays\".)\n"
             "Zero KB    now          /code/k\u00e4se/build\n"
             "Moved to Trash: 1 folder, 2.25 GB\n");
 }
 
-TEST_F(CleanupListing, IsJsonWithNamesThatCanBeReadBack) {
-  EXPECT_EQ(jsonText(listing()), R"([
+TEST_F(CleanupListing, IsJsonWithNamesThatCanBeReadBackAndTheOutcomeOfEachMove) {
+  results = {{candidates[0].url.path, std::nullopt}, {candidates[1].url.path, std::unexpected("It \"stays\".")}};
+  EXPECT_EQ(jsonText(listing(Act::moved)), R"([
   {
     "bytes": 2250000000,
     "classification": "review",
     "lastUsed": "2026-06-12T12:00:00Z",
+    "moved": true,
     "path": "/code/app/node_modules"
   },
   {
     "bytes": 999,
     "classification": "known",
+    "error": "It \"stays\".",
     "lastUsed": null,
+    "moved": false,
     "path": "/code/a\n\u001B[2J)"
-                                 "\uEFFF\u202E"
-                                 R"(/dist"
+                                           "\uEFFF\u202E"
+                                           R"(/dist"
   },
   {
     "bytes": 0,
@@ -118,35 +122,6 @@ TEST_F(CleanupListing, IsJsonWithNamesThatCanBeReadBack) {
 )");
   candidates.clear();
   EXPECT_EQ(jsonText(listing()), "[]\n");
-}
-
-TEST_F(CleanupListing, IsJsonThatTellsTheOutcomeOfEachMove) {
-  candidates = {candidate("/a/dist", 1), candidate("/b/dist", 2), candidate("/c/dist", 3)};
-  results = {{"/a/dist", std::nullopt}, {"/b/dist", std::unexpected("It \"stays\".")}};
-  EXPECT_EQ(jsonText(listing(Act::moved)), R"([
-  {
-    "bytes": 1,
-    "classification": "known",
-    "lastUsed": null,
-    "moved": true,
-    "path": "/a/dist"
-  },
-  {
-    "bytes": 2,
-    "classification": "known",
-    "error": "It \"stays\".",
-    "lastUsed": null,
-    "moved": false,
-    "path": "/b/dist"
-  },
-  {
-    "bytes": 3,
-    "classification": "known",
-    "lastUsed": null,
-    "path": "/c/dist"
-  }
-]
-)");
 }
 
 }  // namespace

@@ -55,16 +55,6 @@ TEST(ProgressLine, IsDrawnSeldomAndOnlyForWorkThatTakesLong) {
   EXPECT_EQ(terminal.errors, "\r\x1b[KLooking for projects… 3 found\r\x1b[K") << "cleared once";
 }
 
-TEST(ProgressLine, IsNothingWhereTheOutputIsNoTerminal) {
-  FakeTerminal terminal;
-  ProgressLine line(terminal, start);
-  line.show({looking, 1, 0});
-  line.draw(start + milliseconds(500));
-  line.clear();
-  EXPECT_EQ(terminal.errors, "");
-  EXPECT_EQ(wait(line, [] { return 7; }), 7);
-}
-
 TEST(ProgressLine, IsDrawnWhileAnOperationRuns) {
   std::binary_semaphore drawn(0);
   FakeTerminal terminal;
@@ -77,6 +67,17 @@ TEST(ProgressLine, IsDrawnWhileAnOperationRuns) {
   });
   EXPECT_TRUE(*result);
   EXPECT_EQ(terminal.errors, "\r\x1b[KMeasuring… 1 of 2");
+
+  FakeTerminal file;
+  ProgressLine nothing(file, start);
+  EXPECT_EQ(wait(nothing,
+                 [&] {
+                   nothing.show({measuring, 1, 2});
+                   nothing.draw(start + milliseconds(500));
+                   return 7;
+                 }),
+            7);
+  EXPECT_EQ(file.errors, "");
 }
 
 }  // namespace

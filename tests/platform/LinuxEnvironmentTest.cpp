@@ -32,7 +32,10 @@ Places placesWith(Text home, Text data = {}, Text config = {}, Text cache = {}, 
 }
 
 TEST(LinuxPlaces, FollowVariablesThatAreAbsolute) {
+  const passwd* const user = ::getpwuid(::geteuid());
+  const std::string account = user == nullptr ? "" : user->pw_dir;
   const Places usual{"/home/anna",
+                     account,
                      "/home/anna/.local/share",
                      "/home/anna/.config",
                      "/home/anna/.cache",
@@ -42,9 +45,17 @@ TEST(LinuxPlaces, FollowVariablesThatAreAbsolute) {
                      ::geteuid(),
                      "/home",
                      true};
-  const Places chosen{
-      "/anna",     "/data", "/etc/anna", "/cache", "/state", "/data/Lumenary", "/etc/anna/Lumenary/defaults.json",
-      ::geteuid(), "/home", true};
+  const Places chosen{"/anna",
+                      account,
+                      "/data",
+                      "/etc/anna",
+                      "/cache",
+                      "/state",
+                      "/data/Lumenary",
+                      "/etc/anna/Lumenary/defaults.json",
+                      ::geteuid(),
+                      "/home",
+                      true};
   EXPECT_EQ(placesWith("/home/anna/"), usual);
   EXPECT_EQ(placesWith("/home//anna", "", "config", "./cache", "~/state"), usual);
   EXPECT_EQ(placesWith("/anna", "/data/", "/etc/anna", "/cache", "/state"), chosen);
@@ -79,11 +90,13 @@ TEST(LinuxDefaults, ReadTextsFromOneSmallFile) {
       {R"({"codeFolder": "/code"})" + std::string(std::size_t{1} << 20, ' '), {}}};
   FakeFiles files;
   const LinuxDefaults defaults(files, "/defaults.json");
-  EXPECT_EQ(defaults.string("codeFolder"), std::nullopt) << "no file yet";
+  EXPECT_EQ(*defaults.string("codeFolder"), std::nullopt) << "no file yet";
   for (const auto& [text, expected] : cases) {
     files.contents["/defaults.json"] = text;
-    EXPECT_EQ(defaults.string("codeFolder"), expected) << text.substr(0, 60);
+    EXPECT_EQ(*defaults.string("codeFolder"), expected) << text.substr(0, 60);
   }
+  files.failures["read /defaults.json"] = EACCES;
+  EXPECT_EQ(defaults.string("codeFolder").error(), "The settings can't be read: Permission denied.");
 }
 
 /// What the act answers while another file stands under a standard descriptor's number.
@@ -157,6 +170,23 @@ TEST(LinuxInterruptionDeathTest, EndsTheProcessByTheSignalThatCame) {
   for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
     EXPECT_EXIT(takeSignalAndEnd(number), testing::KilledBySignal(number), "");
   }
+}
+
+/// As a person does whose first Ctrl-C takes too long.
+void takeSignalTwice(int number) {
+  LinuxInterruption interruption;
+  std::binary_semaphore stopped(0);
+  const std::stop_callback noted(interruption.token(), [&] { stopped.release(); });
+  ::kill(::getpid(), number);
+  stopped.acquire();
+  ::alarm(60);
+  for (;;) {
+    ::kill(::getpid(), number);
+  }
+}
+
+TEST(LinuxInterruptionDeathTest, LetsASecondSignalEndTheProcessAtOnce) {
+  EXPECT_EXIT(takeSignalTwice(SIGINT), testing::KilledBySignal(SIGINT), "");
 }
 
 TEST(LinuxInterruption, LeavesAnIgnoredSignalIgnoredAndPutsTheOthersBackWhenItGoes) {

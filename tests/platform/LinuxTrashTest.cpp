@@ -1,58 +1,17 @@
+#include "support/LinuxTrashTest.h"
+
 #include <gtest/gtest.h>
-#include <sys/mount.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <filesystem>
 
 #include "base/Path.h"
-#include "platform/linux/LinuxFileReader.h"
-#include "platform/linux/LinuxMountTable.h"
-#include "platform/linux/LinuxTrash.h"
 #include "platform/linux/TrashInfo.h"
-#include "platform/linux/TrashName.h"
-#include "platform/linux/TrashSizes.h"
-#include "support/FaultKernel.h"
-#include "support/TemporaryHome.h"
+#include "support/HookedReader.h"
 
 namespace lumenary {
 namespace {
 
 namespace fs = std::filesystem;
-
-class NotingRecorder final : public IntentRecorder {
- public:
-  SystemResult<void> intend(const TrashIntent& intent) override {
-    intents.push_back(intent);
-    return {};
-  }
-  std::vector<TrashIntent> intents;
-};
-
-class LinuxTrashTest : public testing::Test {
- protected:
-  using Moved = std::expected<TrashedItem, TrashError>;
-
-  LinuxTrashTest() : places(home.places()), trash(kernel, reader, mountTable, places) {}
-
-  Moved move(const std::string& path) {
-    const auto item = openItem(reader, path);
-    return item ? trash.move(*item, 4096, recorder)
-                : std::unexpected(TrashError{.refusal = TrashRefusal::missing, .cause = item.error()});
-  }
-  Moved putBack(const std::string& trashPath, const std::string& originalPath) {
-    return trash.putBack(trashPath, originalPath, recorder);
-  }
-  static TrashRefusal refusal(const Moved& moved) { return moved ? TrashRefusal::failed : moved.error().refusal; }
-
-  TemporaryHome home;
-  Places places;
-  FaultKernel kernel;
-  LinuxFileReader reader;
-  LinuxMountTable mountTable;
-  LinuxTrash trash;
-  NotingRecorder recorder;
-};
 
 TEST_F(LinuxTrashTest, MovesAFolderWithItsInfoAndBringsItBack) {
   home.write("Code/my app/dist/a.js", "a");
@@ -154,6 +113,24 @@ TEST_F(LinuxTrashTest, WhatWasPutThereMeanwhileStays) {
   }
 }
 
+TEST_F(LinuxTrashTest, WhatCannotGoBackIsNotTakenForTheConfirmedThingAndKeepsItsInfo) {
+  home.write("Code/app/dist/a.js", "confirmed");
+  int renames = 0;
+  kernel.beforeCall = [&](std::string_view call) {
+    if (call == "renameat2" && renames++ == 0) {
+      fs::rename(home.path("Code/app/dist"), home.path("Code/app/elsewhere"));
+      home.write("Code/app/dist/b.js", "another");
+    } else if (call == "renameat2" && renames == 2) {
+      home.write("Code/app/dist/c.js", "a third");
+    }
+  };
+  EXPECT_EQ(refusal(move(home.path("Code/app/dist"))), TrashRefusal::changed);
+  EXPECT_EQ(contentsOf(home.path("Code/app/elsewhere/a.js")), "confirmed");
+  EXPECT_EQ(contentsOf(home.path("Code/app/dist/c.js")), "a third");
+  EXPECT_EQ(contentsOf(home.trash("files/dist/b.js")), "another");
+  EXPECT_EQ(parseTrashInfo(contentsOf(home.trash("info/dist.trashinfo")))->path, home.path("Code/app/dist"));
+}
+
 TEST_F(LinuxTrashTest, TheTrashReplacedByALinkTakesNothingElsewhere) {
   home.write("Code/app/dist/a.js");
   home.makeFolder("Elsewhere");
@@ -178,18 +155,30 @@ TEST_F(LinuxTrashTest, ASecondMoverOfTheSameItemFindsItGone) {
 
 TEST_F(LinuxTrashTest, WithoutExclusiveRenameFilesMoveByLinkAndFoldersStay) {
   class OldKernel final : public LinuxKernel {
+   public:
+    bool losesReplies = false;
+
+   private:
     int renameat2(int, const char*, int, const char*, unsigned flags) override {
       errno = flags == 0 ? EIO : EINVAL;
       return -1;
     }
+    int linkat(int from, const char* fromName, int to, const char* toName, int flags) override {
+      const int answer = LinuxKernel::linkat(from, fromName, to, toName, flags);
+      errno = EIO;
+      return losesReplies ? -1 : answer;
+    }
   } old;
   LinuxTrash oldTrash(old, reader, mountTable, places);
-  home.write("Code/file", "text");
   home.write("Code/folder/file");
-  const auto file = oldTrash.move(*openItem(reader, home.path("Code/file")), 0, recorder);
-  ASSERT_TRUE(file.has_value());
-  EXPECT_EQ(contentsOf(file->trashPath), "text");
-  EXPECT_EQ(fs::hard_link_count(file->trashPath), 1U);
+  for (const bool losesReplies : {false, true}) {
+    old.losesReplies = losesReplies;
+    home.write("Code/file", "text");
+    const auto file = oldTrash.move(*openItem(reader, home.path("Code/file")), 0, recorder);
+    ASSERT_TRUE(file.has_value());
+    EXPECT_EQ(contentsOf(file->trashPath), "text");
+    EXPECT_EQ(fs::hard_link_count(file->trashPath), 1U);
+  }
   EXPECT_EQ(refusal(oldTrash.move(*openItem(reader, home.path("Code/folder")), 0, recorder)),
             TrashRefusal::noExclusiveMove);
   EXPECT_TRUE(standsAt(home.path("Code/folder/file")));
@@ -219,11 +208,34 @@ TEST_F(LinuxTrashTest, GuardedPlacesStay) {
     EXPECT_EQ(refusal(move(path)), TrashRefusal::guarded) << path;
   }
   EXPECT_TRUE(move(home.path(".config/app")).has_value());
+
+  Places overridden = places;
+  overridden.home = home.path("other");
+  overridden.dataHome = home.path("other/.local/share");
+  overridden.accountHome = home.root();
+  home.write(".local/share/keyrings/build/key");
+  LinuxTrash elsewhere(kernel, reader, mountTable, overridden);
+  for (const char* path : {"", ".config", ".ssh/build", ".local/share/keyrings/build"}) {
+    EXPECT_EQ(refusal(elsewhere.move(*openItem(reader, home.path(path)), 0, recorder)), TrashRefusal::guarded) << path;
+  }
   Places nobody = places;
   nobody.home.clear();
   LinuxTrash homeless(kernel, reader, mountTable, nobody);
   home.write("Code/dist/a.js");
   EXPECT_EQ(refusal(homeless.move(*openItem(reader, home.path("Code/dist")), 0, recorder)), TrashRefusal::guarded);
+}
+
+TEST_F(LinuxTrashTest, NothingMovesWhereTheGuardListCannotBeMade) {
+  home.write("Code/dist/a.js");
+  const auto item = openItem(reader, home.path("Code/dist"));
+  for (const auto& [error, isGuarded] : {std::pair(EIO, true), std::pair(EACCES, true), std::pair(ELOOP, false)}) {
+    const HookedReader failing(reader, [&, code = error](HookedReader::Call call, std::string_view path) {
+      const bool isSecret = call == HookedReader::Call::attributes && path == home.path(".gnupg");
+      return isSecret ? std::optional(SystemError{code}) : std::nullopt;
+    });
+    const auto moved = LinuxTrash(kernel, failing, mountTable, places).move(*item, 0, recorder);
+    EXPECT_EQ(refusal(moved) == TrashRefusal::guarded, isGuarded) << error;
+  }
 }
 
 TEST_F(LinuxTrashTest, PuttingBackIsGuardedTheSameWay) {
@@ -232,7 +244,7 @@ TEST_F(LinuxTrashTest, PuttingBackIsGuardedTheSameWay) {
   const std::string inTrash = move(home.path("Code/app/dist"))->trashPath;
   fs::create_directory_symlink(home.path("Code"), home.path("Linked"));
   home.write(".local/share/Trash/files/stranger/file");
-  home.write(".local/share/Trash/info/stranger.trashinfo", "[Trash Info]\nPath=/elsewhere\nDeletionDate=x\n");
+  home.write(".local/share/Trash/info/stranger.trashinfo", composeTrashInfo("/elsewhere", moved));
   home.write("Code/trash/files/own");
   struct Case {
     const char* name;
@@ -262,161 +274,48 @@ TEST_F(LinuxTrashTest, PuttingBackIsGuardedTheSameWay) {
   EXPECT_EQ(contentsOf(inTrash + "/a.js"), "a");
 }
 
-/// A file system of its own, mounted below a temporary home; skipped where this process may not mount.
-class SecondVolumeTest : public LinuxTrashTest {
- protected:
-  void SetUp() override {
-    home.makeFolder("volume");
-    volume = home.path("volume");
-    if (::mount("none", volume.c_str(), "tmpfs", 0, "size=1m") != 0) {
-      volume.clear();
-      GTEST_SKIP() << "mounting a second file system is not allowed here";
-    }
-    home.write("volume/app/dist/a.js", "a");
+TEST_F(LinuxTrashTest, SaysTrulyWhatHoldsAnItem) {
+  home.write("Code/app/dist/a.js", "a");
+  const std::string origin = home.path("Code/app/dist");
+  const std::string inTrash = move(origin)->trashPath;
+  for (const auto& [error, refused] :
+       {std::pair(EACCES, TrashRefusal::parentClosed), std::pair(ENOENT, TrashRefusal::parentGone),
+        std::pair(ELOOP, TrashRefusal::parentGone)}) {
+    const HookedReader failing(reader, [&, code = error](HookedReader::Call call, std::string_view path) {
+      const bool isParent = call == HookedReader::Call::openFolder && path == home.path("Code/app");
+      return isParent ? std::optional(SystemError{code}) : std::nullopt;
+    });
+    EXPECT_EQ(refusal(LinuxTrash(kernel, failing, mountTable, places).putBack(inTrash, origin, moved, recorder)),
+              refused);
   }
-  void TearDown() override {
-    if (!volume.empty()) {
-      ::umount2(volume.c_str(), MNT_DETACH);
-    }
-  }
-  std::string ownTrash() const { return volume + "/.Trash-" + std::to_string(places.userID); }
-  std::string sharedTrash() const { return volume + "/.Trash/" + std::to_string(places.userID); }
-
-  std::string volume;
-};
-
-TEST_F(SecondVolumeTest, UsesTheTrashOfTheVolumeAndComesBack) {
-  const auto moved = move(volume + "/app/dist");
-  ASSERT_TRUE(moved.has_value());
-  EXPECT_EQ(moved->trashPath, ownTrash() + "/files/dist");
-  EXPECT_EQ(fs::status(ownTrash()).permissions(), fs::perms::owner_all);
-  EXPECT_EQ(parseTrashInfo(contentsOf(ownTrash() + "/info/dist.trashinfo"))->path, "app/dist");
-  EXPECT_FALSE(standsAt(home.trash("files/dist")));
-  ASSERT_TRUE(putBack(moved->trashPath, volume + "/app/dist").has_value());
-  EXPECT_EQ(contentsOf(volume + "/app/dist/a.js"), "a");
 }
 
-TEST_F(SecondVolumeTest, AnAbsoluteOriginInAVolumesTrashIsRefused) {
-  const std::string inTrash = move(volume + "/app/dist")->trashPath;
-  std::ofstream(ownTrash() + "/info/dist.trashinfo") << "[Trash Info]\nPath=" << volume << "/app/dist\n";
-  EXPECT_EQ(refusal(putBack(inTrash, volume + "/app/dist")), TrashRefusal::notInTrash);
-}
-
-TEST_F(SecondVolumeTest, TheSharedTrashCountsOnlyAsARealFolderWithTheStickyBit) {
-  home.makeFolder("volume/.Trash");
-  ASSERT_EQ(move(volume + "/app/dist")->trashPath, ownTrash() + "/files/dist") << "no sticky bit";
-  ::chmod((volume + "/.Trash").c_str(), 01777);
-  home.write("volume/app/dist/a.js");
-  ASSERT_EQ(move(volume + "/app/dist")->trashPath, sharedTrash() + "/files/dist");
-  fs::rename(volume + "/.Trash", volume + "/elsewhere");
-  fs::create_directory_symlink(volume + "/elsewhere", volume + "/.Trash");
-  home.write("volume/app/dist/a.js");
-  ASSERT_EQ(move(volume + "/app/dist")->trashPath, ownTrash() + "/files/dist.2") << "a link";
-}
-
-TEST_F(SecondVolumeTest, ATrashThatIsALinkOrReadOnlyIsNotUsed) {
-  home.makeFolder("volume/elsewhere");
-  fs::create_directory_symlink(volume + "/elsewhere", ownTrash());
-  EXPECT_EQ(refusal(move(volume + "/app/dist")), TrashRefusal::noTrash);
-  fs::remove(ownTrash());
-  ASSERT_EQ(::mount("none", volume.c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr), 0);
-  EXPECT_EQ(refusal(move(volume + "/app/dist")), TrashRefusal::readOnlyVolume);
-  EXPECT_TRUE(standsAt(volume + "/app/dist/a.js"));
-}
-
-TEST_F(SecondVolumeTest, MountPointsAndWhatHoldsThemStay) {
-  home.makeFolder("volume/app/build/inner");
-  ASSERT_EQ(::mount("none", (volume + "/app/build/inner").c_str(), "tmpfs", 0, "size=1m"), 0);
-  for (const char* path : {"/app/build", "/app/build/inner", "/app", ""}) {
-    EXPECT_EQ(refusal(move(volume + path)), TrashRefusal::mountInside) << path;
-  }
-  ::umount2((volume + "/app/build/inner").c_str(), MNT_DETACH);
-  EXPECT_TRUE(move(volume + "/app/build").has_value());
-}
-
-TEST_F(SecondVolumeTest, ABindMountHasATrashOfItsOwnAndNothingIsCopied) {
-  home.write("Code/app/dist/a.js");
-  home.makeFolder("bound");
-  ASSERT_EQ(::mount(home.path("Code").c_str(), home.path("bound").c_str(), nullptr, MS_BIND, nullptr), 0);
-  const auto moved = move(home.path("bound/app/dist"));
-  ::umount2(home.path("bound").c_str(), MNT_DETACH);
-  ASSERT_TRUE(moved.has_value());
-  EXPECT_EQ(moved->trashPath, home.path("bound/.Trash-" + std::to_string(places.userID) + "/files/dist"));
-}
-
-TEST_F(SecondVolumeTest, AGuardedTreeStaysGuardedThroughABindMount) {
-  home.write(".ssh/app/dist/key");
-  home.makeFolder("bound");
-  ASSERT_EQ(::mount(home.path(".ssh").c_str(), home.path("bound").c_str(), nullptr, MS_BIND, nullptr), 0);
-  EXPECT_EQ(refusal(move(home.path("bound/app/dist"))), TrashRefusal::guarded);
-  ::umount2(home.path("bound").c_str(), MNT_DETACH);
-  EXPECT_TRUE(standsAt(home.path(".ssh/app/dist/key")));
-}
-
-TEST_F(SecondVolumeTest, AHomeTrashOnAnotherVolumeIsReachedThroughItsLink) {
-  home.makeFolder("volume/trash");
-  home.makeFolder(".local/share");
-  fs::create_directory_symlink(volume + "/trash", home.path(".local/share/Trash"));
-  const auto moved = move(volume + "/app/dist");
-  ASSERT_TRUE(moved.has_value());
-  EXPECT_TRUE(standsAt(volume + "/trash/files/dist/a.js"));
-}
-
-TEST(TrashInfoTest, ReadsWhatTheFormatAllows) {
-  struct Case {
+TEST_F(LinuxTrashTest, OnlyWhatWentWithTheRecordedActComesBack) {
+  home.write("Code/app/dist/a.js", "a");
+  const std::string origin = home.path("Code/app/dist");
+  const std::string inTrash = move(origin)->trashPath;
+  const std::string infoPath = home.trash("info/dist.trashinfo");
+  const auto hours = [](int count) { return std::chrono::hours(count); };
+  const struct {
     const char* name;
-    std::string text;
-    std::string path;  ///< empty: refused
+    std::optional<Date> written;  ///< the date in the info file; none: a damaged one
+    Date changed;                 ///< the date of the info file
+    TrashRefusal refused;
+  } cases[] = {
+      {"another act, an hour later", moved + hours(1), moved + hours(1), TrashRefusal::notInTrash},
+      {"another act, three minutes later", moved + std::chrono::minutes(3), moved + hours(1), TrashRefusal::notInTrash},
+      {"damaged", std::nullopt, moved, TrashRefusal::notInTrash},
   };
-  const Case cases[] = {
-      {"plain", "[Trash Info]\nPath=/a/b\nDeletionDate=2026-01-02T03:04:05\n", "/a/b"},
-      {"encoded", "[Trash Info]\nPath=/a%20b/%FF%0A\n", "/a b/\xff\n"},
-      {"first of two counts", "[Trash Info]\nPath=/a\nPath=/b\n", "/a"},
-      {"other lines and line ends", "[Trash Info]\r\nX=1\r\nPath=/a\r\n", "/a"},
-      {"no header", "Path=/a\n", ""},
-      {"header in second line", "\n[Trash Info]\nPath=/a\n", ""},
-      {"no path", "[Trash Info]\nDeletionDate=x\n", ""},
-      {"empty path", "[Trash Info]\nPath=\n", ""},
-      {"broken encoding", "[Trash Info]\nPath=/a%2\n", ""},
-      {"encoded end of text", "[Trash Info]\nPath=/a%00b\n", ""},
-      {"climbs", "[Trash Info]\nPath=/a/../b\n", ""},
-      {"climbs when decoded", "[Trash Info]\nPath=a/%2E%2E/b\n", ""},
-      {"nothing", "", ""},
-  };
-  for (const Case& test : cases) {
-    const auto info = parseTrashInfo(test.text);
-    EXPECT_EQ(info ? info->path : "", test.path) << test.name;
+  for (const auto& [name, written, changed, refused] : cases) {
+    std::ofstream(infoPath) << (written ? composeTrashInfo(origin, *written) : "[Trash Info]\nPath=" + origin + "\n");
+    home.setModified(".local/share/Trash/info/dist.trashinfo", changed);
+    EXPECT_EQ(refusal(putBack(inTrash, origin)), refused) << name;
   }
-  EXPECT_EQ(originOf({.path = "a/b"}, "/media/disk"), "/media/disk/a/b");
-  EXPECT_EQ(originOf({.path = "a/b"}, ""), std::nullopt);
-  EXPECT_EQ(originOf({.path = "/a/b"}, "/media/disk"), std::nullopt);
-}
+  EXPECT_EQ(contentsOf(inTrash + "/a.js"), "a");
 
-TEST(TrashNameTest, StaysShortAndKeepsTheExtension) {
-  struct Case {
-    std::string name;
-    unsigned attempt;
-    std::size_t limit;
-    std::string expected;
-  };
-  const Case cases[] = {
-      {"dist", 0, 245, "dist"},           {"dist", 1, 245, "dist.2"},
-      {"a.tar", 8, 245, "a.9.tar"},       {".next", 1, 245, ".next.2"},
-      {"photo.jpeg", 1, 9, "ph.2.jpeg"},  {"ééé", 0, 5, "éé"},
-      {"\xff\xff\xff", 0, 2, "\xff\xff"}, {"a.averyveryverylongextension", 1, 245, "a.averyveryverylongextension.2"},
-  };
-  for (const Case& test : cases) {
-    EXPECT_EQ(trashName(test.name, test.attempt, test.limit), test.expected);
-  }
-  EXPECT_NE(trashName("dist", 9, 245), trashName("dist", 10, 245));
-  EXPECT_EQ(trashName("dist", 9, 245).size(), std::string("dist.00000000").size());
-}
-
-TEST(TrashSizesTest, KeepsOtherEntriesAndDropsWhatIsBroken) {
-  const FolderSizeChanges changes = {{"new one", FolderSize{.allocatedBytes = 5, .infoModifiedSeconds = 7}},
-                                     {"gone", std::nullopt}};
-  EXPECT_EQ(updatedFolderSizes("1 2 kept\nbroken\n3 4 gone\n5 x y\n6 7 new%20one", changes),
-            "1 2 kept\n5 7 new%20one\n");
+  std::ofstream(infoPath) << composeTrashInfo(origin, moved + hours(8));
+  home.setModified(".local/share/Trash/info/dist.trashinfo", moved);
+  EXPECT_TRUE(putBack(inTrash, origin)) << "the same act, read in another time zone";
 }
 
 }  // namespace

@@ -26,8 +26,6 @@ namespace {
 
 using Item = CleanupTransaction::Item;
 
-const Date actTime = Date(std::chrono::seconds(1'780'000'000));
-
 /// One process's worth of the program over the kernel of a test.
 struct Program {
   Program(LinuxKernel& kernel, const Places& givenPlaces)
@@ -41,7 +39,7 @@ struct Program {
     auto opened = openItem(reader, path);
     ASSERT_TRUE(opened.has_value());
     CleanupJournal journal(files, places.support);
-    const CleanupTransaction transaction{.id = UUID::random(), .timestamp = actTime, .source = source, .items = {}};
+    const CleanupTransaction transaction{.id = UUID::random(), .timestamp = {}, .source = source, .items = {}};
     JournalEntry entry;
     entry.transactionID = transaction.id;
     entry.itemID = UUID::random();
@@ -65,6 +63,7 @@ struct Program {
       item.trashURL = FileURL{.path = moved->trashPath, .isFolder = true};
     }
     CleanupTransaction recorded = transaction;
+    recorded.timestamp = std::chrono::floor<Date::duration>(std::chrono::system_clock::now());
     recorded.items = {item};
     if (store.appendCleanupTransaction(recorded).isSaved) {
       journal.finish();

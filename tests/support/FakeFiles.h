@@ -60,6 +60,8 @@ class FakeFiles final : public DurableFiles {
     return call("remove", path, contents.contains(path) ? 0 : ENOENT, [&] { contents.erase(path); });
   }
 
+  void removeRemains(const std::string& folder) override { calls.push_back("removeRemains " + folder); }
+
   SystemResult<Descriptor> lock(const std::string& path) override {
     return call("lock", path, 0, [&] {
       contents.try_emplace(path);

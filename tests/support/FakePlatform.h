@@ -49,8 +49,12 @@ class FakeInterruption final : public Interruption {
 class FakeDefaults final : public Defaults {
  public:
   std::map<std::string, std::string> values;
+  std::string failure;
 
-  std::optional<std::string> string(const std::string& key) const override {
+  std::expected<std::optional<std::string>, std::string> string(const std::string& key) const override {
+    if (!failure.empty()) {
+      return std::unexpected(failure);
+    }
     const auto value = values.find(key);
     return value == values.end() ? std::nullopt : std::optional(value->second);
   }

@@ -33,7 +33,7 @@ class FakeTrash final : public Trash {
                item.path, place);
   }
 
-  std::expected<TrashedItem, TrashError> putBack(const std::string& trashPath, const std::string& originalPath,
+  std::expected<TrashedItem, TrashError> putBack(const std::string& trashPath, const std::string& originalPath, Date,
                                                  IntentRecorder& recorder) override {
     calls.push_back("putBack " + trashPath + " " + originalPath);
     if (!standing.contains(trashPath)) {

@@ -48,17 +48,64 @@ Found find(const DeveloperScanner& scanner, const std::string& root, const std::
   return found;
 }
 
-/// The folder to scan, or the sentence of why there is none.
-std::expected<std::string, std::string> folderToScan(const Options& options, const Platform& platform) {
-  const auto named = options.root ? options.root : platform.defaults->string("codeFolder");
+/// Why the run ends before it began.
+struct Refusal {
+  std::string sentence;
+  std::int32_t status = wrongUsage;
+};
+
+/// Whether the folder can be listed, and entered: a scan tells nothing of what it can't read.
+SystemResult<void> readFirstEntries(const FileReader& reader, const std::string& folder) {
+  const auto opened = reader.openFolder(folder, LinkPolicy::follow);
+  if (!opened) {
+    return std::unexpected(opened.error());
+  }
+  if (const auto entered = reader.attributes(*opened, "."); !entered) {
+    return std::unexpected(entered.error());
+  }
+  FolderScratch scratch;
+  const auto entries = reader.nextEntries(*opened, scratch);
+  return entries ? SystemResult<void>() : std::unexpected(entries.error());
+}
+
+/// The folder to scan, which can be read.
+std::expected<std::string, Refusal> folderToScan(const Options& options, const Platform& platform) {
+  auto named = options.root;
   if (!named) {
-    return std::unexpected("No code folder yet. Choose one in the app, or pass --root PATH.\n");
+    auto setting = platform.defaults->string("codeFolder");
+    if (!setting) {
+      return std::unexpected(Refusal{setting.error() + " Pass --root PATH.\n", failed});
+    }
+    named = *std::move(setting);
+  }
+  if (!named) {
+    return std::unexpected(Refusal{"No code folder yet. Choose one in the app, or pass --root PATH.\n"});
   }
   auto root = rootFolder(*platform.reader, *named, platform.places.home);
   if (!root) {
-    return std::unexpected("Not a folder: " + displayText(root.error()) + "\n");
+    return std::unexpected(Refusal{"Not a folder: " + displayText(root.error()) + "\n"});
   }
-  return root;
+  if (const auto read = readFirstEntries(*platform.reader, *root); !read) {
+    return std::unexpected(
+        Refusal{"The folder can't be read: " + displayText(*root) + ": " + read.error().description() + "\n", failed});
+  }
+  return *std::move(root);
+}
+
+/// Why nothing may be written for this person, if so: `sudo` can keep another person's variables, and what it made in
+/// their home folder they could neither change nor empty.
+std::optional<std::string> reasonToMoveNothing(const FileReader& reader, const Places& places) {
+  const auto home = reader.attributes(places.home, LinkPolicy::follow);
+  if (!home) {
+    return "Your home folder can't be looked at, so nothing is moved: " + displayText(places.home) + "\n";
+  }
+  const auto data = reader.attributes(places.dataHome, LinkPolicy::follow);
+  const bool isHomeForeign = home->owner != places.userID;
+  if (!isHomeForeign && (!data || data->owner == places.userID)) {
+    return std::nullopt;
+  }
+  return "Your data would be written to a folder of another user, so nothing is moved: " +
+         displayText(isHomeForeign ? places.home : places.dataHome) + "\n";
 }
 
 void tellWhatIsLeft(const TrashRun& run, std::size_t selected, Terminal& terminal) {
@@ -80,10 +127,16 @@ std::int32_t run(std::span<const std::string> arguments, Platform& platform) {
     terminal.writeError(displayText(options.error().message) + "\n" + std::string(usage));
     return wrongUsage;
   }
+  if (options->trash) {
+    if (const auto reason = reasonToMoveNothing(*platform.reader, platform.places)) {
+      terminal.writeError(*reason);
+      return wrongUsage;
+    }
+  }
   const auto root = folderToScan(*options, platform);
   if (!root) {
-    terminal.writeError(root.error());
-    return wrongUsage;
+    terminal.writeError(root.error().sentence);
+    return root.error().status;
   }
 
   const std::stop_token stop = platform.interruption->token();

@@ -11,7 +11,8 @@ namespace lumenary::CleanupCommand {
 
 /// Exit statuses.
 inline constexpr std::int32_t finished = 0;
-inline constexpr std::int32_t failed = 1;  ///< a folder could not be moved, or the list not be written
+/// The code folder or the settings could not be read, a folder not be moved, or the list not be written.
+inline constexpr std::int32_t failed = 1;
 inline constexpr std::int32_t wrongUsage = 2;
 /// A stop request ended the search, and the process outlived the signal (as the first one of a container does).
 inline constexpr std::int32_t interrupted = 130;

@@ -1,5 +1,6 @@
 #include "cleanup/command/TrashRun.h"
 
+#include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
@@ -60,7 +61,7 @@ TrashRun moveToTrash(std::span<const CleanupCandidate> selected, Platform& platf
   if (store.appendCleanupTransaction(transaction).isSaved) {
     journal.finish();
   } else {
-    run.isRecordPending = journal.isBegun();
+    run.isRecordPending = std::ranges::any_of(run.results, [](const auto& entry) { return entry.second.has_value(); });
   }
   return run;
 }

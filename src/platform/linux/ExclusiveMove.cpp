@@ -2,14 +2,18 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <optional>
 
 namespace lumenary {
 namespace {
 
-std::optional<FileIdentity> identityAt(LinuxKernel& kernel, const MoveEnd& end) {
-  const auto status = statusAt(kernel, end.folder, end.name.c_str());
-  return status ? std::optional(status->identity) : std::nullopt;
+SystemResult<KernelStatus> statusAt(LinuxKernel& kernel, const MoveEnd& end) {
+  return statusAt(kernel, end.folder, end.name.c_str());
+}
+
+bool isMissing(const SystemResult<KernelStatus>& status) { return !status && status.error().isMissing(); }
+
+bool is(const SystemResult<KernelStatus>& status, const FileIdentity& identity) {
+  return status && status->identity == identity;
 }
 
 int rename(LinuxKernel& kernel, const MoveEnd& from, const MoveEnd& to) {
@@ -32,27 +36,35 @@ MoveReport reportOf(const SystemError& cause) {
 /// For file systems without RENAME_NOREPLACE: `linkat` never overwrites either. Of two names of one file the old one
 /// goes then; a name that may be the last one is never taken away.
 MoveReport moveByLink(LinuxKernel& kernel, const MoveEnd& from, const MoveEnd& to, const FileIdentity& identity) {
-  if (kernel.linkat(from.folder.number(), from.name.c_str(), to.folder.number(), to.name.c_str(), 0) != 0) {
-    return reportOf(lastError());
+  const bool isLinked =
+      kernel.linkat(from.folder.number(), from.name.c_str(), to.folder.number(), to.name.c_str(), 0) == 0;
+  const SystemError cause = isLinked ? SystemError{} : lastError();
+  const auto linked = statusAt(kernel, to);
+  // A network file system can report an error for a link that it made.
+  if (!isLinked && (isMissing(linked) || (linked && linked->identity != identity))) {
+    return reportOf(cause);
   }
-  const auto linked = identityAt(kernel, to);
-  if (!linked || identityAt(kernel, from) != linked) {
-    return {.result = MoveResult::moved, .cause = {}};
+  const auto left = statusAt(kernel, from);
+  if (!linked || (!left && !isMissing(left))) {
+    return {.result = MoveResult::failed, .cause = linked ? left.error() : linked.error(), .isSettled = false};
   }
-  const bool isConfirmed = *linked == identity;
+  const bool isConfirmed = linked->identity == identity;
+  if (!is(left, linked->identity)) {
+    return {.result = isConfirmed ? MoveResult::moved : MoveResult::strayed, .cause = {}};
+  }
   const MoveEnd& leaving = isConfirmed ? from : to;
-  if (kernel.unlinkat(leaving.folder.number(), leaving.name.c_str(), 0) == 0) {
+  const auto removed = removeFile(kernel, leaving.folder, leaving.name.c_str());
+  if (removed || isMissing(statusAt(kernel, leaving))) {
     return {.result = isConfirmed ? MoveResult::moved : MoveResult::changed, .cause = {}};
   }
-  const SystemError cause = lastError();
-  const bool isUndone = isConfirmed && kernel.unlinkat(to.folder.number(), to.name.c_str(), 0) == 0;
-  return {.result = MoveResult::failed, .cause = cause, .isSettled = isUndone};
+  const bool isUndone = isConfirmed && removeFile(kernel, to.folder, to.name.c_str());
+  return {.result = MoveResult::failed, .cause = removed.error(), .isSettled = isUndone};
 }
 
 }  // namespace
 
 MoveReport moveExclusively(LinuxKernel& kernel, MoveEnd from, MoveEnd to, const FileIdentity& identity) {
-  const auto before = statusAt(kernel, from.folder, from.name.c_str());
+  const auto before = statusAt(kernel, from);
   if (!before) {
     return reportOf(before.error());
   }
@@ -66,17 +78,19 @@ MoveReport moveExclusively(LinuxKernel& kernel, MoveEnd from, MoveEnd to, const 
                                                : moveByLink(kernel, from, to, identity);
     }
     // A network file system can report an error for a move that it did.
-    return identityAt(kernel, to) == identity ? MoveReport{.result = MoveResult::moved, .cause = {}} : reportOf(cause);
+    const auto left = statusAt(kernel, from);
+    const bool isDone = is(statusAt(kernel, to), identity) && !is(left, identity);
+    return isDone ? MoveReport{.result = MoveResult::moved, .cause = {}, .isSettled = isMissing(left)}
+                  : reportOf(cause);
   }
-  const auto after = identityAt(kernel, to);
-  if (after && *after != identity) {
+  const auto after = statusAt(kernel, to);
+  if (after && after->identity != identity) {
     // Somebody put another thing there between the look and the move. It goes back; where its place was taken meanwhile
     // it stays in the Trash, under the record that was written for this path.
-    if (rename(kernel, to, from) == 0) {
-      return {.result = MoveResult::changed, .cause = {}};
-    }
+    const bool isBack = rename(kernel, to, from) == 0 || isMissing(statusAt(kernel, to));
+    return {.result = isBack ? MoveResult::changed : MoveResult::strayed, .cause = {}};
   }
-  return {.result = MoveResult::moved, .cause = {}};
+  return {.result = MoveResult::moved, .cause = {}, .isSettled = after.has_value()};
 }
 
 }  // namespace lumenary

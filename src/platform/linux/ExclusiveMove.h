@@ -15,6 +15,7 @@ enum class MoveResult {
   moved,
   missing,       ///< nothing stood at the start
   changed,       ///< another thing stood at the start than the one that was confirmed
+  strayed,       ///< as `changed`, but the other thing was moved, and its place was taken before it could go back
   occupied,      ///< something stands at the end
   notExclusive,  ///< this file system can't move a folder without the risk of overwriting
   failed,        ///< the cause says why
@@ -23,7 +24,7 @@ enum class MoveResult {
 struct MoveReport {
   MoveResult result = MoveResult::failed;
   SystemError cause{};
-  bool isSettled = true;  ///< false: a file was left with a name at both ends
+  bool isSettled = true;  ///< false: a file may be left with a name at both ends, or the end could not be read back
 };
 
 /// Moves the thing of that identity from one opened folder to another of the same file system: never a copy, never over

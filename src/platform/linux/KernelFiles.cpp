@@ -9,6 +9,7 @@
 namespace lumenary {
 namespace {
 
+constexpr std::string_view temporaryMark = ".new-";
 constexpr unsigned statusMask =
     STATX_TYPE | STATX_MODE | STATX_NLINK | STATX_UID | STATX_INO | STATX_MTIME | STATX_MNT_ID;
 
@@ -134,9 +135,15 @@ SystemResult<void> makeFolders(LinuxKernel& kernel, const std::string& path) {
                 : std::unexpected(parent.error());
 }
 
+bool isTemporaryName(std::string_view name) {
+  const auto mark = name.rfind(temporaryMark);
+  const std::string_view number = mark == std::string_view::npos ? "" : name.substr(mark + temporaryMark.size());
+  return !number.empty() && number.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
 SystemResult<void> replaceFile(LinuxKernel& kernel, const Descriptor& folder, const std::string& name,
                                std::string_view bytes) {
-  const std::string temporary = name + ".new-" + std::to_string(std::random_device{}());
+  const std::string temporary = std::string(name).append(temporaryMark) + std::to_string(std::random_device{}());
   auto file = openAt(kernel, folder, temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
   if (!file) {
     return std::unexpected(file.error());

@@ -46,6 +46,9 @@ SystemResult<void> makeFolder(LinuxKernel& kernel, const Descriptor& parent, con
 /// The same with what is missing above it.
 SystemResult<void> makeFolders(LinuxKernel& kernel, const std::string& path);
 
+/// True for a name that `replaceFile` gives a file before it is whole.
+bool isTemporaryName(std::string_view name);
+
 /// Replaces `name` in the opened folder as a whole or not at all; the file and the folder are synced.
 SystemResult<void> replaceFile(LinuxKernel& kernel, const Descriptor& folder, const std::string& name,
                                std::string_view bytes);

@@ -14,7 +14,7 @@ class LinuxDefaults final : public Defaults {
   /// `files` must outlive the value.
   LinuxDefaults(DurableFiles& files, std::string path) : files_(files), path_(std::move(path)) {}
 
-  std::optional<std::string> string(const std::string& key) const override;
+  std::expected<std::optional<std::string>, std::string> string(const std::string& key) const override;
 
  private:
   DurableFiles& files_;

@@ -16,6 +16,13 @@ namespace {
 
 constexpr auto lockPatience = std::chrono::seconds(5);
 constexpr auto lockPause = std::chrono::milliseconds(10);
+constexpr auto longestLife = std::chrono::hours(24);
+
+/// Too old to be at work. A date in the future, from a clock that was wrong, doesn't tell.
+bool isOld(const KernelStatus& status) {
+  const auto modified = std::chrono::sys_seconds(std::chrono::seconds(status.modifiedSeconds));
+  return std::chrono::system_clock::now() - modified > longestLife;
+}
 
 SystemResult<Descriptor> openParent(LinuxKernel& kernel, const std::string& path) {
   return openPath(kernel, std::string(parentPath(path)), O_RDONLY | O_DIRECTORY);
@@ -95,6 +102,29 @@ SystemResult<void> LinuxDurableFiles::remove(const std::string& path) {
   return {};
 }
 
+void LinuxDurableFiles::removeRemains(const std::string& folder) {
+  const auto names = this->names(folder);
+  if (!names) {
+    return;
+  }
+  for (const std::string& name : *names) {
+    const std::string path = appendingPathComponent(folder, name);
+    if (!isTemporaryName(name)) {
+      continue;
+    }
+    const auto file = openPath(kernel_, path, O_RDWR | O_NOFOLLOW | O_NONBLOCK);
+    const auto status = file ? statusOf(kernel_, *file) : std::unexpected(file.error());
+    if (status && status->identity.kind == FileKind::file && isOld(*status) && !isLocked(*file)) {
+      static_cast<void>(remove(path));
+    }
+  }
+}
+
+/// Locks it where nobody else does.
+bool LinuxDurableFiles::isLocked(const Descriptor& file) {
+  return kernel_.flock(file.number(), LOCK_EX | LOCK_NB) != 0 && !lastError().isWithoutLocks();
+}
+
 SystemResult<Descriptor> LinuxDurableFiles::lock(const std::string& path) {
   auto file = openPath(kernel_, path, O_RDWR | O_CREAT | O_NOFOLLOW, 0600);
   if (!file) {
@@ -117,8 +147,8 @@ SystemResult<std::unique_ptr<GrowingFile>> LinuxDurableFiles::grow(const std::st
   if (!file) {
     return std::unexpected(file.error());
   }
-  // A file system without locks (ENOLCK) leaves the file unlocked; then only its name tells that it is in use.
-  if (kernel_.flock(file->number(), LOCK_EX | LOCK_NB) != 0 && errno != ENOLCK && errno != EOPNOTSUPP) {
+  // A file system without locks leaves the file unlocked; then only its age tells that it is in use.
+  if (isLocked(*file)) {
     return std::unexpected(lastError());
   }
   const auto folder = openParent(kernel_, path);
@@ -134,7 +164,15 @@ SystemResult<std::unique_ptr<GrowingFile>> LinuxDurableFiles::grow(const std::st
 bool LinuxDurableFiles::isGrowing(const std::string& path) {
   // Writable, as some network file systems lock nothing else. What can't be asked is left alone.
   const auto file = openPath(kernel_, path, O_RDWR | O_NOFOLLOW | O_NONBLOCK);
-  return file ? kernel_.flock(file->number(), LOCK_EX | LOCK_NB) != 0 : !file.error().isMissing();
+  if (!file) {
+    return !file.error().isMissing();
+  }
+  if (kernel_.flock(file->number(), LOCK_EX | LOCK_NB) == 0) {
+    return false;
+  }
+  const bool isWithoutLocks = lastError().isWithoutLocks();
+  const auto status = statusOf(kernel_, *file);
+  return !isWithoutLocks || !status || !isOld(*status);
 }
 
 }  // namespace lumenary

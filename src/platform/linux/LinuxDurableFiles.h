@@ -21,11 +21,14 @@ class LinuxDurableFiles final : public DurableFiles {
   SystemResult<void> makeFolders(const std::string& path) override;
   SystemResult<std::vector<std::string>> names(const std::string& folder) override;
   SystemResult<void> remove(const std::string& path) override;
+  void removeRemains(const std::string& folder) override;
   SystemResult<Descriptor> lock(const std::string& path) override;
   SystemResult<std::unique_ptr<GrowingFile>> grow(const std::string& path) override;
   bool isGrowing(const std::string& path) override;
 
  private:
+  bool isLocked(const Descriptor& file);
+
   LinuxKernel& kernel_;
 };
 

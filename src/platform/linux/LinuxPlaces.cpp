@@ -38,9 +38,10 @@ Places placesOf(const Environment& environment) {
   };
   Places places;
   places.userID = ::geteuid();
+  places.accountHome = absolute(homeByPasswordDatabase(places.userID));
   places.home = variable("HOME");
   if (places.home.empty()) {
-    places.home = absolute(homeByPasswordDatabase(places.userID));
+    places.home = places.accountHome;
   }
   const auto folder = [&](const char* name, std::string_view standard) {
     std::string path = variable(name);

@@ -7,18 +7,14 @@
 #include <chrono>
 
 #include "base/Path.h"
-#include "platform/linux/TrashInfo.h"
+#include "platform/linux/TrashInfoFile.h"
 #include "platform/linux/TrashName.h"
 
 namespace lumenary {
 namespace {
 
-constexpr std::string_view infoSuffix = ".trashinfo";
 constexpr std::size_t longestName = 255;
 constexpr std::size_t shortestLimit = 32;
-constexpr std::size_t infoFileLimit = 64 * 1024;
-
-std::string infoName(std::string_view name) { return std::string(name).append(infoSuffix); }
 
 TrashError refuse(TrashRefusal refusal, SystemError cause = {}, bool isSettled = true) {
   return {.refusal = refusal, .cause = cause, .isSettled = isSettled};
@@ -32,7 +28,7 @@ TrashRefusal refusalOf(const SystemError& cause) {
     case EROFS:
       return TrashRefusal::readOnlyVolume;
     case EXDEV:
-      return TrashRefusal::otherVolume;
+      return TrashRefusal::onlyByCopy;
     case EBUSY:
       return TrashRefusal::mountInside;
     case ENOSPC:
@@ -48,6 +44,7 @@ TrashRefusal refusalOf(const MoveReport& report) {
     case MoveResult::missing:
       return TrashRefusal::missing;
     case MoveResult::changed:
+    case MoveResult::strayed:
       return TrashRefusal::changed;
     case MoveResult::occupied:
       return TrashRefusal::occupied;
@@ -140,7 +137,7 @@ std::expected<void, TrashError> LinuxTrash::checkPermission(const OpenedItem& it
 
 std::expected<TrashedItem, TrashError> LinuxTrash::moveInto(const TrashFolder& trash, const OpenedItem& item,
                                                             std::int64_t allocatedBytes, IntentRecorder& recorder) {
-  std::size_t limit = longestName - infoSuffix.size();
+  std::size_t limit = longestName - TrashInfoFile::extension.size();
   for (unsigned number = 0; number < trashNameAttempts;) {
     const std::string name = trashName(item.name, number, limit);
     const Attempt attempt = this->attempt(trash, item, name, recorder);
@@ -178,7 +175,8 @@ LinuxTrash::Attempt LinuxTrash::attempt(const TrashFolder& trash, const OpenedIt
   if (auto recorded = recorder.intend(intent); !recorded) {
     return {.error = refuse(recordRefusal(recorded.error()), recorded.error())};
   }
-  if (auto written = writeInfo(trash, name, item.path, intent.date); !written) {
+  const TrashInfoFile infoFile(kernel_, trash, name);
+  if (auto written = infoFile.write(item.path, intent.date); !written) {
     const SystemError cause = written.error();
     if (cause.code == EEXIST) {
       return {.result = Result::nameTaken};
@@ -186,22 +184,26 @@ LinuxTrash::Attempt LinuxTrash::attempt(const TrashFolder& trash, const OpenedIt
     if (cause.code == ENAMETOOLONG) {
       return {.result = Result::nameTooLong};
     }
-    return {.error = refuse(recordRefusal(cause), cause, removeInfo(trash, name))};
+    return {.error = refuse(recordRefusal(cause), cause, infoFile.isMissing())};
   }
   const MoveReport report = moveExclusively(kernel_, {item.parent, item.name}, {trash.files, name}, item.identity);
   if (report.result == MoveResult::moved) {
     // Somebody who empties the Trash meanwhile may take the info file for a left one.
-    const bool hasInfo =
-        statusAt(kernel_, trash.info, infoName(name).c_str()) || writeInfo(trash, name, item.path, intent.date);
+    const bool hasInfo = infoFile.status() || infoFile.write(item.path, intent.date);
     const bool isSynced = hasInfo && sync(kernel_, trash.files) && sync(kernel_, item.parent);
     return {.result = Result::moved, .isSettled = isSynced && report.isSettled};
+  }
+  if (report.result == MoveResult::strayed) {
+    // The info file is the other thing's now: it is how its owner gets it back.
+    const bool isSynced = sync(kernel_, trash.files) && sync(kernel_, item.parent);
+    return {.error = refuse(TrashRefusal::changed, {}, isSynced)};
   }
   const auto atOrigin = statusAt(kernel_, item.parent, item.name.c_str());
   if (report.result == MoveResult::failed && (!atOrigin || atOrigin->identity != item.identity)) {
     // Perhaps it was moved after all: the info file stays until the next start has looked.
     return {.error = refuse(refusalOf(report), report.cause, false)};
   }
-  const bool isSettled = removeInfo(trash, name) && report.isSettled;
+  const bool isSettled = infoFile.remove() && report.isSettled;
   if (report.result == MoveResult::occupied && isSettled) {
     return {.result = Result::nameTaken};
   }
@@ -210,28 +212,12 @@ LinuxTrash::Attempt LinuxTrash::attempt(const TrashFolder& trash, const OpenedIt
 
 bool LinuxTrash::isTaken(const TrashFolder& trash, const std::string& name) {
   return statusAt(kernel_, trash.files, name.c_str()).has_value() ||
-         statusAt(kernel_, trash.info, infoName(name).c_str()).has_value();
-}
-
-/// EEXIST and ENAMETOOLONG mean that nothing was made; after any other error a part of the file may stand.
-SystemResult<void> LinuxTrash::writeInfo(const TrashFolder& trash, const std::string& name,
-                                         const std::string& originalPath, Date date) {
-  auto file = openAt(kernel_, trash.info, infoName(name).c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, 0600);
-  if (!file) {
-    return std::unexpected(file.error());
-  }
-  auto written = writeAndSync(kernel_, *file, composeTrashInfo(trash.recordedPath(originalPath), date));
-  return written ? sync(kernel_, trash.info) : written;
-}
-
-/// True where no info file of that name is left.
-bool LinuxTrash::removeInfo(const TrashFolder& trash, const std::string& name) {
-  const auto removed = removeFile(kernel_, trash.info, infoName(name).c_str());
-  return removed ? sync(kernel_, trash.info).has_value() : removed.error().isMissing();
+         TrashInfoFile(kernel_, trash, name).status().has_value();
 }
 
 std::expected<TrashedItem, TrashError> LinuxTrash::putBack(const std::string& trashPath,
-                                                           const std::string& originalPath, IntentRecorder& recorder) {
+                                                           const std::string& originalPath, Date recorded,
+                                                           IntentRecorder& recorder) {
   const auto mounts = mountTable_.mounts();
   if (!mounts || !originalPath.starts_with('/') || standardise(originalPath) != originalPath ||
       GuardList(reader_, *mounts, places_).keepsOut(originalPath)) {
@@ -247,13 +233,16 @@ std::expected<TrashedItem, TrashError> LinuxTrash::putBack(const std::string& tr
     return std::unexpected(refuse(TrashRefusal::notInTrash, status.error()));
   }
   // Another item may have got the name since. A lost info file is no reason to keep a person's folder from them.
-  const RecordedInfo recorded = readInfo(*trash, name);
-  if (recorded.info && originOf(*recorded.info, trash->top) != originalPath) {
-    return std::unexpected(refuse(TrashRefusal::notInTrash));
+  const TrashInfoFile infoFile(kernel_, *trash, name);
+  const auto info = infoFile.read();
+  if (!info.isMissing() && !info.isOf(originalPath, *trash, recorded)) {
+    return std::unexpected(info.text ? refuse(TrashRefusal::notInTrash)
+                                     : refuse(refusalOf(info.text.error()), info.text.error()));
   }
   const auto parent = reader_.openFolder(parentPath(originalPath), LinkPolicy::refuse);
   if (!parent) {
-    return std::unexpected(refuse(TrashRefusal::parentGone, parent.error()));
+    const bool isGone = parent.error().isMissing() || parent.error().isLink();
+    return std::unexpected(refuse(isGone ? TrashRefusal::parentGone : TrashRefusal::parentClosed, parent.error()));
   }
   const std::string originalName(lastPathComponent(originalPath));
   if (statusAt(kernel_, *parent, originalName.c_str())) {
@@ -266,32 +255,21 @@ std::expected<TrashedItem, TrashError> LinuxTrash::putBack(const std::string& tr
   }
   const MoveReport report = moveExclusively(kernel_, {trash->files, name}, {*parent, originalName}, status->identity);
   if (report.result != MoveResult::moved) {
-    const bool isGone = report.result == MoveResult::missing || report.result == MoveResult::changed;
+    const bool isGone = report.result == MoveResult::missing || report.result == MoveResult::changed ||
+                        report.result == MoveResult::strayed;
     return std::unexpected(
         refuse(isGone ? TrashRefusal::notInTrash : refusalOf(report), report.cause, report.isSettled));
   }
   const bool isSynced = sync(kernel_, *parent) && sync(kernel_, trash->files);
-  const bool isInfoGone = removeInfo(*trash, name);
+  const bool isInfoGone = infoFile.remove();
   if (status->identity.kind == FileKind::folder) {
     sizeChanges_[trash->path][name] = std::nullopt;
   }
   return TrashedItem{.trashPath = trashPath, .isSettled = isSynced && isInfoGone && report.isSettled};
 }
 
-LinuxTrash::RecordedInfo LinuxTrash::readInfo(const TrashFolder& trash, const std::string& name) {
-  const auto file = openAt(kernel_, trash.info, infoName(name).c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
-  if (!file) {
-    return {.exists = !file.error().isMissing()};
-  }
-  const auto status = statusOf(kernel_, *file);
-  const auto text = readAll(kernel_, *file, infoFileLimit);
-  return {.exists = true,
-          .info = text ? parseTrashInfo(*text) : std::nullopt,
-          .modifiedSeconds = status ? status->modifiedSeconds : 0};
-}
-
 void LinuxTrash::noteSize(const TrashFolder& trash, const std::string& name, std::int64_t allocatedBytes) {
-  const auto info = statusAt(kernel_, trash.info, infoName(name).c_str());
+  const auto info = TrashInfoFile(kernel_, trash, name).status();
   if (info) {
     sizeChanges_[trash.path][name] =
         FolderSize{.allocatedBytes = allocatedBytes, .infoModifiedSeconds = info->modifiedSeconds};

@@ -12,7 +12,6 @@
 #include "platform/Trash.h"
 #include "platform/linux/ExclusiveMove.h"
 #include "platform/linux/TrashFolder.h"
-#include "platform/linux/TrashInfo.h"
 #include "platform/linux/TrashSizes.h"
 
 namespace lumenary {
@@ -29,17 +28,11 @@ class LinuxTrash final : public Trash {
   std::expected<TrashedItem, TrashError> move(const OpenedItem& item, std::int64_t allocatedBytes,
                                               IntentRecorder& recorder) override;
   std::expected<TrashedItem, TrashError> putBack(const std::string& trashPath, const std::string& originalPath,
-                                                 IntentRecorder& recorder) override;
+                                                 Date recorded, IntentRecorder& recorder) override;
   ActState settle(const TrashIntent& intent) override;
   void writeSizes() override;
 
  private:
-  /// What an info file says. `info` has no value where the file is missing or damaged.
-  struct RecordedInfo {
-    bool exists = false;
-    std::optional<TrashInfo> info{};
-    std::int64_t modifiedSeconds = 0;
-  };
   struct Attempt;
 
   std::expected<void, TrashError> checkPermission(const OpenedItem& item);
@@ -47,12 +40,13 @@ class LinuxTrash final : public Trash {
                                                   std::int64_t allocatedBytes, IntentRecorder& recorder);
   Attempt attempt(const TrashFolder& trash, const OpenedItem& item, const std::string& name, IntentRecorder& recorder);
   bool isTaken(const TrashFolder& trash, const std::string& name);
-  SystemResult<void> writeInfo(const TrashFolder& trash, const std::string& name, const std::string& originalPath,
-                               Date date);
-  RecordedInfo readInfo(const TrashFolder& trash, const std::string& name);
-  bool removeInfo(const TrashFolder& trash, const std::string& name);
-  ActState settleInfoOfAbsent(const TrashFolder& trash, const std::string& name, const TrashIntent& intent);
-  ActState settleInfoOfPresent(const TrashFolder& trash, const std::string& name, const TrashIntent& intent);
+  struct Findings;
+  std::optional<Findings> find(const TrashFolder& trash, const std::string& name, const TrashIntent& intent,
+                               const Mount& mount);
+  ActState settleInfoOfAbsent(const TrashFolder& trash, const std::string& name, const TrashIntent& intent,
+                              const Findings& found);
+  ActState settleInfoOfPresent(const TrashFolder& trash, const std::string& name, const TrashIntent& intent,
+                               const Findings& found);
   void noteSize(const TrashFolder& trash, const std::string& name, std::int64_t allocatedBytes);
 
   LinuxKernel& kernel_;
