@@ -99,6 +99,43 @@ TEST(LinuxDefaults, ReadTextsFromOneSmallFile) {
   EXPECT_EQ(defaults.string("codeFolder").error(), "The settings can't be read: Permission denied.");
 }
 
+TEST(LinuxDefaults, ChangeOneKeyAndKeepTheOthersAsTheyAre) {
+  const std::pair<std::string, std::string> cases[] = {
+      {"", "{\n  \"a\": \"new \uEFFF\"\n}\n"},  // no file yet
+      {R"({"b": [1, -2, 18446744073709551615, 1.5, true, null, {"c": "\u00e9\n"}], "a": {"old": 1}, "d": {}})",
+       "{\n  \"b\": [\n    1,\n    -2,\n    18446744073709551615,\n    1.5,\n    true,\n    null,\n    {\n"
+       "      \"c\": \"é\\n\"\n    }\n  ],\n  \"d\": {},\n  \"a\": \"new \uEFFF\"\n}\n"}};
+  for (const auto& [before, after] : cases) {
+    FakeFiles files;
+    if (!before.empty()) {
+      files.contents["/c/defaults.json"] = before;
+    }
+    LinuxDefaults defaults(files, "/c/defaults.json");
+    ASSERT_TRUE(defaults.setString("a", "new \xFF"));
+    EXPECT_EQ(files.contents["/c/defaults.json"], after);
+    EXPECT_EQ(*defaults.string("a"), "new \xFF");
+  }
+}
+
+TEST(LinuxDefaults, WriteNothingOverWhatIsNeitherUnderstoodNorKept) {
+  FakeFiles files;
+  LinuxDefaults defaults(files, "/c/defaults.json");
+  const std::string& file = files.contents["/c/defaults.json"] = "{damaged";
+  files.failures = {{"write /c/defaults.unreadable.json", ENOSPC}};
+  EXPECT_FALSE(defaults.setString("a", "1"));
+  files.failures = {{"read /c/defaults.json", EACCES}};
+  EXPECT_FALSE(defaults.setString("a", "1"));
+  files.failures = {{"lock /c/defaults.json.lock", EAGAIN}};
+  EXPECT_FALSE(defaults.setString("a", "1"));
+  EXPECT_EQ(file, "{damaged");
+  files.failures.clear();
+  EXPECT_TRUE(defaults.setString("a", "1"));
+  EXPECT_EQ(*defaults.string("a"), "1");
+  files.contents["/c/defaults.json"] = "[]";
+  EXPECT_TRUE(defaults.setString("a", "2"));
+  EXPECT_EQ(files.contents["/c/defaults.unreadable.json"], "{damaged") << "the first damage stays";
+}
+
 /// What the act answers while another file stands under a standard descriptor's number.
 bool whileRedirected(int number, const Descriptor& other, const std::function<bool()>& act) {
   const Descriptor former(::dup(number));

@@ -58,6 +58,10 @@ class FakeDefaults final : public Defaults {
     const auto value = values.find(key);
     return value == values.end() ? std::nullopt : std::optional(value->second);
   }
+  SystemResult<void> setString(const std::string& key, std::string_view value) override {
+    values[key] = value;
+    return {};
+  }
 };
 
 class FakeMountTable final : public MountTable {

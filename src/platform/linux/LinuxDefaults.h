@@ -15,8 +15,13 @@ class LinuxDefaults final : public Defaults {
   LinuxDefaults(DurableFiles& files, std::string path) : files_(files), path_(std::move(path)) {}
 
   std::expected<std::optional<std::string>, std::string> string(const std::string& key) const override;
+  /// A damaged file is kept once beside it as "defaults.unreadable.json" before it is replaced. One that can't be read,
+  /// or is larger than a settings file can be, is left alone, and the value isn't kept.
+  SystemResult<void> setString(const std::string& key, std::string_view value) override;
 
  private:
+  SystemResult<void> keepDamaged(const std::string& bytes);
+
   DurableFiles& files_;
   std::string path_;
 };
