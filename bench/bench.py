@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Measures the program: bench.py [NAME] [--rounds N] [--peer]. Prints Markdown; what it is doing goes to stderr."""
+"""Measures the program: bench.py [NAME] [OPTIONS]. Prints Markdown; what it is doing goes to stderr."""
 
 import argparse
 import fcntl
@@ -27,7 +27,7 @@ def main():
     options = argparse.ArgumentParser(description="Measures the program and prints Markdown.")
     options.add_argument("name", nargs="?", help=f"what to measure: {', '.join(BENCHES)}; everything unless told")
     options.add_argument("--rounds", type=int, default=9, help="how often each command is run (9 unless told)")
-    options.add_argument("--peer", action="store_true", help="install another program with npm and measure it too")
+    options.add_argument("--peer", action="store_true", help="cleanup: install another program with npm, too")
     options.add_argument("--build", type=pathlib.Path, default=TOP / "build/release", help="a folder of a release build")
     wanted = options.parse_args()
     if wanted.name and wanted.name not in BENCHES:
@@ -40,10 +40,10 @@ def main():
         fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
     except BlockingIOError:
         sys.exit("Another run is measuring with these trees.")
-    print(measuring.machine(programs))
+    print(measuring.machine(programs), flush=True)
     for name, bench in BENCHES.items():
         if wanted.name in (None, name):
-            bench(programs, wanted.rounds, wanted.peer)
+            bench(programs, wanted)
 
 
 if __name__ == "__main__":
