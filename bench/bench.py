@@ -13,8 +13,10 @@ import cleanup
 import gate
 import measuring
 import scan
+import search
+import store
 
-BENCHES = {"cleanup": cleanup.run, "scan": scan.run}
+BENCHES = {"cleanup": cleanup.run, "scan": scan.run, "store": store.run, "search": search.run}
 CHECKS = {"gate": gate.run}  # told by their exit status, and not a part of everything
 
 TOP = pathlib.Path(__file__).resolve().parent.parent
