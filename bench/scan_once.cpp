@@ -1,5 +1,5 @@
-// scan_once ROOT [WORKERS]: one scan of a folder, as the program makes it. Prints one line of JSON: what was measured and
-// how long the scan took, in milliseconds.
+// scan_once ROOT [WORKERS]: one scan of a folder, as the program makes it. Prints one line of JSON: what was measured
+// and how long the scan took, in milliseconds.
 
 #include <charconv>
 #include <chrono>

@@ -9,7 +9,7 @@ import subprocess
 
 from measuring import say
 
-PARTS = ["Folder.h", "OnAllCores.h", "Random.h"]  # of both makers
+PARTS = ["Folder.h", "Home.h", "OnAllCores.h", "Random.h"]  # of the makers
 
 
 def stamp(folder):
