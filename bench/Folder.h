@@ -53,6 +53,18 @@ class Folder {
     ::close(number);
   }
 
+  /// A file that ends in one block of its own and holds nothing before.
+  void sparseFile(const std::string& name, std::size_t size) const {
+    static const std::string content(4096, 'x');
+    const int number = ::openat(number_, name.c_str(), O_WRONLY | O_CREAT | O_EXCL, 0644);
+    const auto start = static_cast<off_t>(size - content.size());
+    if (number < 0 || ::pwrite(number, content.data(), content.size(), start) != static_cast<ssize_t>(content.size())) {
+      fail(name);
+    }
+    giveDate(number);
+    ::close(number);
+  }
+
   void symbolicLink(const std::string& name, const std::string& target) const {
     if (::symlinkat(target.c_str(), number_, name.c_str()) != 0) {
       fail(name);

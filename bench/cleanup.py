@@ -1,8 +1,6 @@
 """What the `cleanup` command takes: its listing, its start, its moves."""
 
-import hashlib
 import json
-import pathlib
 import re
 import shutil
 import statistics
@@ -10,7 +8,8 @@ import subprocess
 import sys
 import urllib.parse
 
-from measuring import Command, duration, memory, ratios, say, spread, table, times
+import trees
+from measuring import Command, comparison, duration, memory, ratios, say, spread, table, times
 
 ALWAYS_ARTIFACTS = ["node_modules", ".next", "dist", "build", "__pycache__", ".build", "DerivedData"]
 SOMETIMES_ARTIFACTS = ["target", ".venv"]
@@ -25,41 +24,15 @@ NUMBERS_OF_FOLDERS = [10, 100, 1_000]  # with 10 files each
 MOVE_ROUNDS = 5
 
 
-def run(programs, rounds, with_peer):
-    remove_outdated_trees(programs)
-    projects = tree(programs, "projects", ["projects"])
-    goals = [*listing(programs, projects, rounds), *start(programs), *moves(programs)]
-    if with_peer:
+def run(programs, options):
+    projects = trees.tree(programs, "make_code_tree", "projects", "projects")
+    goals = [*listing(programs, projects, options.rounds), *start(programs), *moves(programs)]
+    if options.peer:
         peer(programs, projects)
     print("### Goals\n")
     print(table(["goal", "at most", "measured", ""],
                 [[goal, limit, measured, "met" if is_met else "**not met**"]
                  for goal, limit, measured, is_met in goals]))
-
-
-# Trees
-
-def remove_outdated_trees(programs):
-    """What another version of the maker made isn't what is described here."""
-    sources = ["make_code_tree.cpp", "Folder.h", "Random.h"]
-    maker = b"".join(pathlib.Path(__file__).with_name(source).read_bytes() for source in sources)
-    version = hashlib.sha256(maker).hexdigest()
-    made_by = programs.folder / "made-by"
-    if not made_by.exists() or made_by.read_text() != version:
-        for outdated in [programs.folder / "projects", *programs.folder.glob("moves-*")]:
-            say(f"removing outdated {outdated.name}")
-            shutil.rmtree(outdated, ignore_errors=True)
-        made_by.write_text(version)
-
-
-def tree(programs, name, arguments):
-    """A complete set of that name, made where it is missing."""
-    folder = programs.folder / name
-    if not (folder / "artifacts").exists():
-        say(f"making {name}")
-        shutil.rmtree(folder, ignore_errors=True)
-        subprocess.run([programs.tool("make_code_tree"), arguments[0], folder, *map(str, arguments[1:])], check=True)
-    return folder
 
 
 def artifacts(folder):
@@ -104,21 +77,13 @@ def listing(programs, folder, rounds):
     results = programs.run_in_turn(rounds, commands)
     own = results[0]
     print(f"### Listing: {len(artifacts(folder))} artifacts of 500 projects, warm cache, {rounds} rounds\n")
-    print_comparison(commands, results)
+    print(comparison(commands, results))
 
     twice = ratios(own, results[1])
     peak = max(run.peak for run in own)
     return [("listing, in bare walks of the artifacts twice", "1.20", spread(twice, times),
              statistics.median(twice) <= 1.2),
             ("memory of the listing", "16.0 MiB", memory(peak), peak < 16 * 2**20)]
-
-
-def print_comparison(commands, results):
-    print(table(["", "wall", "user + system", "peak resident", "the program against it"],
-                [[command.name, spread([run.wall for run in runs], duration),
-                  duration(statistics.median(run.processor for run in runs)), memory(max(run.peak for run in runs)),
-                  "" if index == 0 else spread(ratios(results[0], runs), times)]
-                 for index, (command, runs) in enumerate(zip(commands, results))]))
 
 
 def peer(programs, folder):
@@ -139,7 +104,7 @@ def peer(programs, folder):
                         ["node", str(script), "--scan", "--json", str(folder / "code")])]
     programs.run_in_turn(1, commands)
     print(f"### A peer, {PEER_ROUNDS} rounds\n")
-    print_comparison(commands, programs.run_in_turn(PEER_ROUNDS, commands))
+    print(comparison(commands, programs.run_in_turn(PEER_ROUNDS, commands)))
 
 
 # Start
@@ -170,7 +135,7 @@ class MovingSet:
 
     def __init__(self, programs, count, files):
         self.programs, self.count, self.files = programs, count, files
-        self.folder = tree(programs, f"moves-{count}x{files}", ["moves", count, files])
+        self.folder = trees.tree(programs, "make_code_tree", f"moves-{count}x{files}", "moves", count, files)
         self.walks, self.listings, self.runs = [], [], []  # wall times in seconds
         bytes_of_walk = subprocess.run(self.walk_command(), check=True, stdout=subprocess.PIPE).stdout
         if check_listing(programs, self.folder) != int(bytes_of_walk):
@@ -183,11 +148,12 @@ class MovingSet:
         list_words = list_command(self.programs, self.folder, "--days", DAYS)
         [listed], [walk] = self.programs.run_in_turn(
             1, [Command("listing", list_words), Command("walk", self.walk_command())])
-        unfinished = (self.folder / "artifacts").rename(self.folder / "artifacts.moving")
+        complete = trees.stamp(self.folder)
+        incomplete = complete.rename(complete.with_suffix(".moving"))
         subprocess.run(["sync"], check=True)  # or the moves would wait for what others have left to write
         [[moved]] = self.programs.run_in_turn(1, [Command("moving", [*list_words, "--trash"])])
         self.put_back()
-        unfinished.rename(self.folder / "artifacts")
+        incomplete.rename(complete)
         self.walks.append(walk.wall)
         self.listings.append(listed.wall)
         self.runs.append(moved.wall)

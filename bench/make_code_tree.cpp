@@ -13,7 +13,6 @@
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <charconv>
 #include <cstddef>
 #include <cstdio>
@@ -21,10 +20,10 @@
 #include <mutex>
 #include <string>
 #include <string_view>
-#include <thread>
 #include <vector>
 
 #include "Folder.h"
+#include "OnAllCores.h"
 #include "Random.h"
 
 namespace {
@@ -223,19 +222,6 @@ class Set {
   std::mutex adding_;
   std::vector<std::string> artifacts_;
 };
-
-template <class Work>
-void onAllCores(std::size_t count, Work work) {
-  std::atomic<std::size_t> next = 0;
-  std::vector<std::jthread> threads;
-  for (unsigned core = 0; core < std::max(1U, std::thread::hardware_concurrency()); ++core) {
-    threads.emplace_back([&] {
-      for (std::size_t index = next++; index < count; index = next++) {
-        work(index);
-      }
-    });
-  }
-}
 
 void makeProjects(Set& set) {
   Random random(1);

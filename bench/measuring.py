@@ -62,7 +62,11 @@ class Run:
 
 def ratios(runs, others):
     """Round by round, so that what slowed the machine down for a while counts on both sides."""
-    return [run.wall / other.wall for run, other in zip(runs, others)]
+    return ratios_of([run.wall for run in runs], [other.wall for other in others])
+
+
+def ratios_of(values, others):
+    return [value / other for value, other in zip(values, others)]
 
 
 def spread(values, text):
@@ -80,6 +84,15 @@ def times(ratio):
 
 def memory(size):
     return f"{size / 2**20:.1f} MiB"
+
+
+def comparison(commands, results):
+    """A row for each command; the first one is held against all others."""
+    return table(["", "wall", "user + system", "peak resident", f"{commands[0].name} against it"],
+                 [[command.name, spread([run.wall for run in runs], duration),
+                   duration(statistics.median(run.processor for run in runs)), memory(max(run.peak for run in runs)),
+                   "" if index == 0 else spread(ratios(results[0], runs), times)]
+                  for index, (command, runs) in enumerate(zip(commands, results))])
 
 
 def table(heads, rows):
