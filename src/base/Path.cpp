@@ -51,7 +51,9 @@ std::size_t pathComponentCount(std::string_view path) {
 }
 
 std::string appendingPathComponent(std::string_view folder, std::string_view name) {
-  std::string path(folder);
+  std::string path;
+  path.reserve(folder.size() + 1 + name.size());
+  path = folder;
   if (!path.ends_with('/')) {
     path += '/';
   }

@@ -21,6 +21,8 @@ struct Mount {
   std::string point;     ///< where it is mounted, bytes as they are
   std::string type;      ///< the file system's name
   MountKind kind = MountKind::local;
+  std::string device{};  ///< the file system's number, "8:1": the same for all mounts of one
+  std::string source{};  ///< what is mounted: "/dev/sda1", or any word
 
   bool operator==(const Mount&) const = default;
 };

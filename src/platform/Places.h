@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace lumenary {
 
@@ -16,8 +17,9 @@ struct Places {
   std::string support;       ///< the program's own files: dataHome/Lumenary
   std::string defaultsFile;  ///< the settings both faces read: configHome/Lumenary/defaults.json
   std::uint32_t userID = 0;
-  std::string homesFolder;        ///< the folder in which people have their homes
-  bool hasFullDiskAccess = true;  ///< false where the system hides parts of the home folder from this program
+  std::string homesFolder;                ///< the folder in which people have their homes
+  std::vector<std::string> driveFolders;  ///< drives that a person plugs in are mounted below these
+  bool hasFullDiskAccess = true;          ///< false where the system hides parts of the home folder from this program
 
   bool operator==(const Places&) const = default;
 };

@@ -12,6 +12,7 @@
 #include "platform/Places.h"
 #include "platform/Terminal.h"
 #include "platform/Trash.h"
+#include "platform/VolumeReader.h"
 
 namespace lumenary {
 
@@ -20,6 +21,7 @@ struct Platform {
   Places places;
   std::unique_ptr<FileReader> reader;
   std::unique_ptr<MountTable> mountTable;
+  std::unique_ptr<VolumeReader> volumes;
   std::unique_ptr<DurableFiles> files;
   std::unique_ptr<Trash> trash;
   std::unique_ptr<Defaults> defaults;

@@ -44,6 +44,7 @@ TEST(LinuxPlaces, FollowVariablesThatAreAbsolute) {
                      "/home/anna/.config/Lumenary/defaults.json",
                      ::geteuid(),
                      "/home",
+                     {"/media", "/run/media", "/mnt"},
                      true};
   const Places chosen{"/anna",
                       account,
@@ -55,6 +56,7 @@ TEST(LinuxPlaces, FollowVariablesThatAreAbsolute) {
                       "/etc/anna/Lumenary/defaults.json",
                       ::geteuid(),
                       "/home",
+                      {"/media", "/run/media", "/mnt"},
                       true};
   EXPECT_EQ(placesWith("/home/anna/"), usual);
   EXPECT_EQ(placesWith("/home//anna", "", "config", "./cache", "~/state"), usual);

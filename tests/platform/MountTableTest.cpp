@@ -11,23 +11,24 @@ TEST(MountTable, ReadsTheKernelsText) {
   EXPECT_EQ(parseMountInfo("28 1 254:0 / / rw,relatime shared:1 - ext4 /dev/vda1 rw,errors=remount-ro\n"
                            "29 28 0:5 / /media/ada/My\\040Disk\\012\\134 ro,nosuid - ext4 /dev/sdb1 rw\n"
                            "30 28 0:6 / /srv rw shared:2 master:1 propagate_from:3 - btrfs /dev/sdc ro,space_cache"),
-            (std::vector<Mount>{{28, "/", "ext4", MountKind::local},
-                                {29, "/media/ada/My Disk\n\\", "ext4", MountKind::local},
-                                {30, "/srv", "btrfs", MountKind::local}}));
+            (std::vector<Mount>{{28, "/", "ext4", MountKind::local, "254:0", "/dev/vda1"},
+                                {29, "/media/ada/My Disk\n\\", "ext4", MountKind::local, "0:5", "/dev/sdb1"},
+                                {30, "/srv", "btrfs", MountKind::local, "0:6", "/dev/sdc"}}));
 }
 
 TEST(MountTable, LeavesOutLinesThatAreBroken) {
   for (const char* line : {"", "28", "x 1 0:1 / / rw - ext4 d rw", "28 1 0:1 / / rw shared:1", "28 1 0:1 / / rw -",
                            "28 1 0:1 / relative rw - ext4 d rw", "28x 1 0:1 / / rw - ext4 d rw", "- - - - - - -"}) {
     const auto mounts = parseMountInfo(std::string(line) + "\n40 1 0:2 / /kept\\04 rw - xfs d rw\n" + line);
-    EXPECT_EQ(mounts, (std::vector<Mount>{{40, "/kept\\04", "xfs", MountKind::local}})) << line;
+    EXPECT_EQ(mounts, (std::vector<Mount>{{40, "/kept\\04", "xfs", MountKind::local, "0:2", "d"}})) << line;
   }
 }
 
 TEST(MountTable, KeepsTheLastOfSeveralMountsAtOnePoint) {
   EXPECT_EQ(parseMountInfo("1 0 0:1 / / rw - rootfs rootfs rw\n2 1 0:2 / /home rw - nfs server:/ rw\n"
                            "3 1 0:3 / / rw - ext4 d rw\n4 2 0:4 / /home rw - ext4 d rw\n"),
-            (std::vector<Mount>{{3, "/", "ext4", MountKind::local}, {4, "/home", "ext4", MountKind::local}}));
+            (std::vector<Mount>{{3, "/", "ext4", MountKind::local, "0:3", "d"},
+                                {4, "/home", "ext4", MountKind::local, "0:4", "d"}}));
 }
 
 TEST(MountTable, TellsWhatMayStopAnswering) {

@@ -37,13 +37,13 @@ TEST(LargestFiles, KeepsTheLargestWhateverTheOrder) {
   }
   const auto& sorted = files.sorted();
   ASSERT_EQ(sorted.size(), LargestFiles::kept);
-  for (std::size_t index = 0; index < sorted.size(); ++index) {
-    const std::int64_t number =
-        count - 1 - static_cast<std::int64_t>(index) / 2 * 2 - 1 + static_cast<std::int64_t>(index) % 2;
-    const std::int64_t pair = number / 2;
-    ASSERT_EQ(sorted[index].byteCount, mebibyte + pair) << index;
-    const auto [first, second] = std::minmax(std::to_string(2 * pair), std::to_string(2 * pair + 1));
-    ASSERT_EQ(std::string(sorted[index].name), index % 2 == 0 ? first : second) << index;
+  for (std::size_t index = 0; index < sorted.size(); index += 2) {
+    const auto pair = (count - static_cast<std::int64_t>(index)) / 2 - 1;
+    const std::string names[] = {std::to_string(2 * pair), std::to_string(2 * pair + 1)};
+    ASSERT_EQ(sorted[index].byteCount, mebibyte + pair);
+    ASSERT_EQ(sorted[index + 1].byteCount, mebibyte + pair);
+    ASSERT_EQ(sorted[index].name, std::min(names[0], names[1]));
+    ASSERT_EQ(sorted[index + 1].name, std::max(names[0], names[1]));
   }
 }
 

@@ -70,7 +70,7 @@ std::optional<Mount> parseLine(std::string_view line) {
     return {};
   }
   takeUpTo(line, ' ');  // the mount's parent
-  takeUpTo(line, ' ');  // the device
+  mount.device = takeUpTo(line, ' ');
   takeUpTo(line, ' ');  // the folder of that file system that is mounted
   mount.point = unescaped(takeUpTo(line, ' '));
   takeUpTo(line, ' ');  // the mount's options
@@ -78,6 +78,7 @@ std::optional<Mount> parseLine(std::string_view line) {
   while (!line.empty() && takeUpTo(line, ' ') != "-") {
   }
   mount.type = unescaped(takeUpTo(line, ' '));
+  mount.source = unescaped(takeUpTo(line, ' '));
   if (!mount.point.starts_with('/') || mount.type.empty()) {
     return {};
   }

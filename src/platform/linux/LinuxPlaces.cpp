@@ -54,6 +54,7 @@ Places placesOf(const Environment& environment) {
   places.support = below(places.dataHome, "Lumenary");
   places.defaultsFile = below(places.configHome, "Lumenary/defaults.json");
   places.homesFolder = "/home";
+  places.driveFolders = {"/media", "/run/media", "/mnt"};
   // Inside of one of these the program may see a home folder that isn't the person's whole one.
   places.hasFullDiskAccess = environment("FLATPAK_ID") == nullptr && environment("SNAP") == nullptr;
   return places;

@@ -15,6 +15,7 @@
 #include "platform/linux/LinuxPlaces.h"
 #include "platform/linux/LinuxTerminal.h"
 #include "platform/linux/LinuxTrash.h"
+#include "platform/linux/LinuxVolumeReader.h"
 
 namespace lumenary {
 namespace {
@@ -42,6 +43,7 @@ Platform makePlatform() {
   platform.places = places;
   platform.reader = std::make_unique<LinuxFileReader>();
   platform.mountTable = std::make_unique<LinuxMountTable>();
+  platform.volumes = std::make_unique<LinuxVolumeReader>();
   platform.files = std::make_unique<LinuxDurableFiles>(kernel);
   platform.trash = std::make_unique<LinuxTrash>(kernel, *platform.reader, *platform.mountTable, places);
   platform.defaults = std::make_unique<LinuxDefaults>(*platform.files, places.defaultsFile);
