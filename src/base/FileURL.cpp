@@ -33,11 +33,6 @@ bool holdsDotComponent(std::string_view path) {
   return false;
 }
 
-/// How many bytes at the start fulfil the condition.
-std::size_t lengthOfRun(std::string_view bytes, auto condition) {
-  return static_cast<std::size_t>(std::ranges::find_if_not(bytes, condition) - bytes.begin());
-}
-
 }  // namespace
 
 std::string fileURLString(const FileURL& url) {
@@ -56,50 +51,57 @@ std::optional<FileURL> parseFileURL(std::string_view text) {
   if (text.starts_with(localHost)) {
     text.remove_prefix(localHost.size());
   }
-  if (!text.starts_with('/') || text.find_first_of("?#") != std::string_view::npos) {
+  if (!text.starts_with('/') || text.contains('?') || text.contains('#')) {
     return std::nullopt;
   }
-  const std::optional<std::string> path = percentDecoded(text);
+  std::optional<std::string> path = percentDecoded(text);
   // Looked for behind the encoding, so that "%2E%2E" climbs nowhere either.
   if (!path || holdsDotComponent(*path)) {
     return std::nullopt;
   }
-  return FileURL{.path = standardise(*path), .isFolder = path->ends_with('/')};
+  const bool isFolder = path->ends_with('/');
+  return FileURL{.path = standardised(*std::move(path)), .isFolder = isFolder};
 }
 
 std::string percentEncoded(std::string_view path) {
-  std::string text;
-  text.reserve(path.size() + 16);
-  while (!path.empty()) {
-    const std::size_t run = lengthOfRun(path, [](char byte) { return isKept[static_cast<std::uint8_t>(byte)]; });
-    text.append(path.substr(0, run));
-    path.remove_prefix(run);
-    if (!path.empty()) {
-      text += '%';
-      appendHex(text, static_cast<std::uint8_t>(path.front()));
-      path.remove_prefix(1);
+  constexpr std::string_view digits = "0123456789ABCDEF";
+  std::string text(3 * path.size(), '%');
+  char* end = text.data();
+  for (const char character : path) {
+    const auto byte = static_cast<std::uint8_t>(character);
+    if (isKept[byte]) {
+      *end++ = character;
+    } else {
+      end[1] = digits[byte >> 4];
+      end[2] = digits[byte & 0xF];
+      end += 3;
     }
   }
+  text.resize(static_cast<std::size_t>(end - text.data()));
   return text;
 }
 
 std::optional<std::string> percentDecoded(std::string_view text) {
-  std::string bytes;
-  bytes.reserve(text.size());
+  if (text.contains('\0')) {
+    return std::nullopt;
+  }
+  std::string bytes(text.size(), '\0');
+  char* end = bytes.data();
   while (!text.empty()) {
-    const std::size_t run = lengthOfRun(text, [](char byte) { return byte != '%' && byte != '\0'; });
-    bytes.append(text.substr(0, run));
-    text.remove_prefix(run);
-    if (text.empty()) {
-      break;
+    if (text.front() != '%') {
+      const std::size_t run = std::min(text.find('%'), text.size());
+      end += text.copy(end, run);
+      text.remove_prefix(run);
+      continue;
     }
-    const std::optional<std::uint8_t> byte = text.front() == '%' ? hexByte(text.substr(1, 2)) : std::nullopt;
+    const auto byte = hexByte(text.substr(1, 2));
     if (!byte || *byte == 0) {
       return std::nullopt;
     }
-    bytes += static_cast<char>(*byte);
+    *end++ = static_cast<char>(*byte);
     text.remove_prefix(3);
   }
+  bytes.resize(static_cast<std::size_t>(end - bytes.data()));
   return bytes;
 }
 

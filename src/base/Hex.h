@@ -1,6 +1,6 @@
 #pragma once
 
-#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -15,25 +15,24 @@ inline void appendHex(std::string& out, std::uint8_t byte) {
   out += digits[byte & 0xF];
 }
 
-/// The value of a hexadecimal digit of either case; 16 or more for any other character.
-constexpr std::uint8_t hexDigit(char digit) {
-  const auto at = [digit](char first) {
-    return static_cast<unsigned>(static_cast<unsigned char>(digit)) - static_cast<unsigned>(first);
-  };
-  if (at('0') < 10) {
-    return static_cast<std::uint8_t>(at('0'));
+/// The value of each hexadecimal digit of either case by its character; 16 for any other.
+inline constexpr auto hexValues = [] {
+  std::array<std::uint8_t, 256> values{};
+  values.fill(16);
+  for (std::uint8_t value = 0; value < 16; ++value) {
+    values[static_cast<std::uint8_t>("0123456789ABCDEF"[value])] = value;
+    values[static_cast<std::uint8_t>("0123456789abcdef"[value])] = value;
   }
-  const unsigned letter = std::min(at('A'), at('a'));
-  return static_cast<std::uint8_t>(letter < 6 ? 10 + letter : 16);
-}
+  return values;
+}();
 
 /// The byte behind exactly two hexadecimal digits of either case.
 constexpr std::optional<std::uint8_t> hexByte(std::string_view digits) {
   if (digits.size() != 2) {
     return std::nullopt;
   }
-  const std::uint8_t high = hexDigit(digits[0]);
-  const std::uint8_t low = hexDigit(digits[1]);
+  const std::uint8_t high = hexValues[static_cast<std::uint8_t>(digits[0])];
+  const std::uint8_t low = hexValues[static_cast<std::uint8_t>(digits[1])];
   return high < 16 && low < 16 ? std::optional(static_cast<std::uint8_t>(high << 4 | low)) : std::nullopt;
 }
 

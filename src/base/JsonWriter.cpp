@@ -13,10 +13,10 @@
 namespace lumenary {
 namespace {
 
-template <class Number>
-void appendNumber(std::string& out, Number value) {
+template <class Number, class... Format>
+void appendNumber(std::string& out, Number value, Format... format) {
   std::array<char, 32> digits{};
-  const auto [end, error] = std::to_chars(digits.begin(), digits.end(), value);
+  const auto [end, error] = std::to_chars(digits.begin(), digits.end(), value, format...);
   out.append(digits.begin(), end);
 }
 
@@ -134,11 +134,11 @@ JsonWriter& JsonWriter::string(std::string_view text) {
 }
 
 JsonWriter& JsonWriter::bytes(std::string_view bytes) {
-  return isASCII(bytes) ? string(bytes) : string(reversibleText(bytes));
+  return isReversibleAsItIs(bytes) ? string(bytes) : string(reversibleText(bytes));
 }
 
 JsonWriter& JsonWriter::keyOfBytes(std::string_view bytes) {
-  return isASCII(bytes) ? key(bytes) : key(reversibleText(bytes));
+  return isReversibleAsItIs(bytes) ? key(bytes) : key(reversibleText(bytes));
 }
 
 JsonWriter& JsonWriter::integer(std::int64_t value) {
@@ -154,11 +154,17 @@ JsonWriter& JsonWriter::unsignedInteger(std::uint64_t value) {
 }
 
 JsonWriter& JsonWriter::number(double value) {
+  // A whole number beyond this, written without an exponent, would be read as an integer, and most as one too large.
+  constexpr double largestWithoutExponent = 1e15;
   if (!std::isfinite(value)) {
     return null();
   }
   beforeValue();
-  appendNumber(out_, value);
+  if (std::abs(value) < largestWithoutExponent) {
+    appendNumber(out_, value);
+  } else {
+    appendNumber(out_, value, std::chars_format::scientific);
+  }
   return *this;
 }
 

@@ -1,6 +1,7 @@
 #include "base/Path.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace lumenary {
 
@@ -15,9 +16,6 @@ bool isStandard(std::string_view path) {
 }  // namespace
 
 std::string standardise(std::string_view path) {
-  if (isStandard(path)) {
-    return std::string(path);
-  }
   std::string result;
   for (std::size_t begin = 0; begin < path.size();) {
     const std::size_t end = std::min(path.find('/', begin), path.size());
@@ -31,6 +29,8 @@ std::string standardise(std::string_view path) {
   }
   return result.empty() ? "/" : result;
 }
+
+std::string standardised(std::string path) { return isStandard(path) ? std::move(path) : standardise(path); }
 
 std::string_view lastPathComponent(std::string_view path) {
   return path == "/" ? path : path.substr(path.rfind('/') + 1);

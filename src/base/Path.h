@@ -10,6 +10,8 @@ namespace lumenary {
 /// Without doubled or trailing slashes, "." and ".."; ".." at the root stays at the root.
 /// A relative path is taken as if it stood at the root.
 std::string standardise(std::string_view path);
+/// The same for a path that needn't be kept.
+std::string standardised(std::string path);
 
 /// What stands behind the last slash; "/" for the root.
 std::string_view lastPathComponent(std::string_view path);

@@ -19,6 +19,15 @@ bool isBetween(std::uint32_t value, std::uint32_t lowest, std::uint32_t highest)
   return lowest <= value && value <= highest;
 }
 
+bool isASCII(std::string_view bytes) {
+  // Without a way out in the middle the compiler takes many bytes at once.
+  unsigned all = 0;
+  for (const char byte : bytes) {
+    all |= static_cast<std::uint8_t>(byte);
+  }
+  return all < 0x80;
+}
+
 /// What the first byte of a sequence says of the rest.
 struct Lead {
   std::uint8_t first = 0;
@@ -28,10 +37,9 @@ struct Lead {
   std::uint8_t highestSecond = 0xBF;
 };
 
-/// The Unicode standard's table of well-formed sequences. After four first bytes the second has less room: no overlong
-/// forms, no surrogates, nothing above U+10FFFF.
+/// The Unicode standard's table of well-formed sequences of two bytes and more. After four first bytes the second has
+/// less room: no overlong forms, no surrogates, nothing above U+10FFFF.
 constexpr std::array leads{
-    Lead{.first = 0x00, .last = 0x7F, .length = 1},
     Lead{.first = 0xC2, .last = 0xDF, .length = 2},
     Lead{.first = 0xE0, .last = 0xE0, .length = 3, .lowestSecond = 0xA0},
     Lead{.first = 0xE1, .last = 0xEC, .length = 3},
@@ -93,13 +101,13 @@ std::size_t utf8SequenceLength(std::string_view bytes) {
     return 0;
   }
   const std::uint8_t first = byteAt(bytes, 0);
+  if (first < 0x80) {
+    return 1;
+  }
   const auto* const lead =
       std::ranges::find_if(leads, [first](const Lead& each) { return isBetween(first, each.first, each.last); });
   if (lead == leads.end() || bytes.size() < lead->length) {
     return 0;
-  }
-  if (lead->length == 1) {
-    return 1;
   }
   const bool continues = isBetween(byteAt(bytes, 1), lead->lowestSecond, lead->highestSecond) &&
                          std::ranges::all_of(bytes.substr(2, lead->length - 2), [](char byte) {
@@ -108,13 +116,19 @@ std::size_t utf8SequenceLength(std::string_view bytes) {
   return continues ? lead->length : 0;
 }
 
-bool isASCII(std::string_view bytes) {
-  // Without a way out in the middle the compiler takes many bytes at once.
-  unsigned all = 0;
-  for (const char byte : bytes) {
-    all |= static_cast<std::uint8_t>(byte);
+bool isReversibleAsItIs(std::string_view bytes) {
+  while (!bytes.empty()) {
+    if (bytes.size() >= 8 && isASCII(bytes.substr(0, 8))) {
+      bytes.remove_prefix(8);
+      continue;
+    }
+    const std::size_t length = utf8SequenceLength(bytes);
+    if (length == 0 || standsForByte(bytes.substr(0, length))) {
+      return false;
+    }
+    bytes.remove_prefix(length);
   }
-  return all < 0x80;
+  return true;
 }
 
 std::string displayText(std::string_view bytes) {
@@ -128,7 +142,7 @@ std::string displayText(std::string_view bytes) {
 }
 
 std::string reversibleText(std::string_view bytes) {
-  if (isASCII(bytes)) {
+  if (isReversibleAsItIs(bytes)) {
     return std::string(bytes);
   }
   std::string text;
@@ -147,7 +161,8 @@ std::string reversibleText(std::string_view bytes) {
 }
 
 std::string bytesOfReversibleText(std::string_view text) {
-  if (isASCII(text)) {
+  // The characters that stand for bytes all begin with this one, which few others do.
+  if (!text.contains('\xEE')) {
     return std::string(text);
   }
   std::string bytes;

@@ -12,8 +12,6 @@ namespace lumenary {
 /// well-formed sequences; 0 where the first byte starts none or `bytes` is empty.
 std::size_t utf8SequenceLength(std::string_view bytes);
 
-bool isASCII(std::string_view bytes);
-
 /// For a terminal or a screen: what isn't UTF-8, control characters, and the marks that reorder text or
 /// break lines become U+FFFD, one for each byte or character, so that no name can move the cursor.
 std::string displayText(std::string_view bytes);
@@ -22,6 +20,8 @@ std::string displayText(std::string_view bytes);
 /// private-use character U+EFNN (NN from 80 to FF); a name that holds one of U+EF80 to U+EFFF has the
 /// three bytes of that character written in the same way. Anything else stays as it is.
 std::string reversibleText(std::string_view bytes);
+/// True where that is the same text.
+bool isReversibleAsItIs(std::string_view bytes);
 
 /// The bytes behind a text that `reversibleText` wrote.
 std::string bytesOfReversibleText(std::string_view text);

@@ -37,38 +37,40 @@ StorageIndex::Children buildChildren(const StorageScanResult& result) {
 }
 
 StorageIndex::SearchItems buildSearchItems(const StorageIndex::Children& children) {
-  struct Span {
-    std::size_t start = 0;
-    std::size_t length = 0;
-  };
   StorageIndex::SearchItems result;
-  std::vector<Span> names;
-  std::vector<Span> parents;
+  std::vector<std::size_t> ends;
   const auto addText = [&](std::string_view text) {
     const std::string folded = caseFolded(text);
-    const Span span{result.text.size(), folded.size()};
     result.text.insert(result.text.end(), folded.begin(), folded.end());
-    return span;
+    ends.push_back(result.text.size());
   };
   for (const auto& [folder, nodes] : children) {
-    const auto parent = static_cast<std::uint32_t>(parents.size());
-    parents.push_back(addText(folder));
     for (const StorageNode& node : nodes) {
-      names.push_back(addText(node.name));
-      result.items.push_back({.node = &node, .lowercasedName = {}, .parent = parent});
+      result.items.push_back(
+          {.node = &node, .lowercasedName = {}, .parent = static_cast<std::uint32_t>(result.parents.size())});
     }
-  }
-  // The text stands still only now.
-  const auto viewOf = [&](const Span& span) { return std::string_view(result.text.data() + span.start, span.length); };
-  for (std::size_t index = 0; index < names.size(); ++index) {
-    result.items[index].lowercasedName = viewOf(names[index]);
-  }
-  for (const Span& parent : parents) {
-    result.parents.push_back(viewOf(parent));
+    result.parents.emplace_back();
+    addText(folder);
   }
   std::ranges::sort(result.items, {}, [](const StorageIndex::SearchItem& item) {
     return std::tuple(-item.node->byteCount, std::string_view(item.node->path));
   });
+  // In the order in which a search goes through them: otherwise each name would be a wait for memory.
+  for (const StorageIndex::SearchItem& item : result.items) {
+    addText(item.node->name);
+  }
+  // The text stands still only now.
+  std::size_t start = 0;
+  std::size_t next = 0;
+  const auto nextText = [&] {
+    const std::string_view text(result.text.data() + start, ends[next] - start);
+    start = ends[next++];
+    return text;
+  };
+  std::ranges::generate(result.parents, nextText);
+  for (StorageIndex::SearchItem& item : result.items) {
+    item.lowercasedName = nextText();
+  }
   return result;
 }
 

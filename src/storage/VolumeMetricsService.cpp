@@ -13,32 +13,37 @@ namespace lumenary {
 namespace {
 
 /// File systems that hold parts of the system, or nothing that lasts.
-constexpr std::array<std::string_view, 6> notBrowsableTypes = {"squashfs", "overlay",  "tmpfs",
-                                                               "ramfs",    "devtmpfs", "hugetlbfs"};
+constexpr std::array<std::string_view, 4> notBrowsableTypes = {"squashfs", "overlay", "tmpfs", "ramfs"};
 
 bool standsWhereDrivesAre(std::string_view point, const Places& places) {
   return point.starts_with("/Volumes/") ||
          std::ranges::any_of(places.driveFolders, [&](const auto& folder) { return isSameOrInside(point, folder); });
 }
 
+/// An image that is mounted lies in a file of another volume already.
 bool isBrowsable(const Mount& mount) {
-  return std::ranges::find(notBrowsableTypes, mount.type) == notBrowsableTypes.end();
+  return std::ranges::find(notBrowsableTypes, mount.type) == notBrowsableTypes.end() &&
+         !mount.source.starts_with("/dev/loop");
 }
 
 }  // namespace
 
 std::optional<VolumeSnapshot> VolumeMetricsService::capture(const std::string& path) const {
   const auto mounts = mountTable_.mounts();
-  const Mount* const mount = mounts ? mountHolding(*mounts, path) : nullptr;
-  if (mount != nullptr && mount->kind != MountKind::local) {
+  const auto mountOf = [&](const std::string& at) { return mounts ? mountHolding(*mounts, at) : nullptr; };
+  // Before and after links are followed: following one already waits for the volume on which it stands.
+  const Mount* mount = mountOf(path);
+  if (mount != nullptr && mount->kind == MountKind::local) {
+    mount = mountOf(reader_.realPath(path).value_or(path));
+  }
+  if (mount == nullptr || mount->kind != MountKind::local) {
     return std::nullopt;
   }
   const auto capacity = volumes_.capacity(path);
   if (!capacity) {
     return std::nullopt;
   }
-  const auto label = mount == nullptr ? std::nullopt : volumes_.label(*mount);
-  return VolumeSnapshot{.name = label.value_or("Macintosh HD"),
+  return VolumeSnapshot{.name = volumes_.label(*mount).value_or("Macintosh HD"),
                         .totalBytes = capacity->totalBytes,
                         .availableBytes = capacity->availableBytes};
 }
@@ -52,7 +57,9 @@ std::vector<DriveInfo> VolumeMetricsService::mountedDrives() const {
       places_.home.empty() ? nullptr : mountHolding(*mounts, reader_.realPath(places_.home).value_or(places_.home));
   // These two are both offered even if they are parts of one volume, as a scan of one doesn't enter the other. Whatever
   // else shows the same volume is left out.
-  const auto isMain = [&](const Mount& mount) { return mount.point == "/" || &mount == holdingHome; };
+  const auto isMain = [&](const Mount& mount) {
+    return mount.point == "/" || (&mount == holdingHome && isBrowsable(mount));
+  };
   std::set<std::string> devices;
   for (const Mount& mount : *mounts) {
     if (isMain(mount)) {

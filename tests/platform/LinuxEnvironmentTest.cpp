@@ -104,8 +104,9 @@ TEST(LinuxDefaults, ReadTextsFromOneSmallFile) {
 TEST(LinuxDefaults, ChangeOneKeyAndKeepTheOthersAsTheyAre) {
   const std::pair<std::string, std::string> cases[] = {
       {"", "{\n  \"a\": \"new \uEFFF\"\n}\n"},  // no file yet
-      {R"({"b": [1, -2, 18446744073709551615, 1.5, true, null, {"c": "\u00e9\n"}], "a": {"old": 1}, "d": {}})",
-       "{\n  \"b\": [\n    1,\n    -2,\n    18446744073709551615,\n    1.5,\n    true,\n    null,\n    {\n"
+      {R"({"b": [1, -2, 18446744073709551615, 1.5, 1.2345678901234568e20, true, null, {"c": "\u00e9\n"}], "a": {"old": 1}, "d": {}})",
+       "{\n  \"b\": [\n    1,\n    -2,\n    18446744073709551615,\n    1.5,\n    1.2345678901234568e+20,\n    true,\n  "
+       "  null,\n    {\n"
        "      \"c\": \"é\\n\"\n    }\n  ],\n  \"d\": {},\n  \"a\": \"new \uEFFF\"\n}\n"}};
   for (const auto& [before, after] : cases) {
     FakeFiles files;

@@ -22,35 +22,42 @@ TEST(LinuxVolumeReader, TellsTheCapacityOfAnyPath) {
 TEST(LinuxVolumeReader, KnowsTheLabelOfADeviceByItsLink) {
   const TemporaryTree tree({{"dev/sdb1"},
                             {"dev/sdc1"},
-                            {"dev/disk"},
-                            {"labels/Holiday\\x20\\xc3\\xa9t\\xc3\\xa9", LinkTo{"../dev/sdb1"}},
-                            {"labels/gone", LinkTo{"../dev/sdx"}}});
-  const LinuxVolumeReader volumes(tree.path("labels"), tree.root());
+                            {"elsewhere"},
+                            {"dev/disk/by-label/Holiday\\x20\\xc3\\xa9t\\xc3\\xa9", LinkTo{"../../sdb1"}},
+                            {"dev/disk/by-label/other", LinkTo{"../../../elsewhere"}},
+                            {"dev/disk/by-label/gone", LinkTo{"../../sdx"}}});
+  const LinuxVolumeReader volumes(tree.path("dev"), tree.root());
   EXPECT_EQ(volumes.label(mountOf(tree.path("dev/sdb1"))), "Holiday été");
-  for (const std::string& source : {tree.path("dev/sdc1"), tree.path("dev/sdx"), std::string("tmpfs"), std::string()}) {
+  for (const std::string& source :
+       {tree.path("dev/sdc1"), tree.path("dev/sdx"), tree.path("elsewhere"), std::string("tmpfs"), std::string()}) {
     EXPECT_EQ(volumes.label(mountOf(source)), std::nullopt) << source;
   }
-  EXPECT_EQ(LinuxVolumeReader(tree.path("missing"), "").label(mountOf(tree.path("dev/sdb1"))), std::nullopt);
   EXPECT_EQ(labelOfLinkName("a\\x2"), "a\\x2");
   EXPECT_EQ(labelOfLinkName("a\\xzz\\x5c"), "a\\xzz\\");
 }
 
 TEST(LinuxVolumeReader, KnowsWhatCanBeTakenOut) {
-  // An ordinary file has the device number 0:0.
-  const std::pair<std::string, bool> cases[] = {{"devices/pci/ata1/block/sda/sda1", false},
-                                                {"devices/pci/usb2/2-1/block/sdb/sdb1", true},
-                                                {"devices/platform/mmc_host/mmc0/block/mmcblk0/mmcblk0p1", true},
-                                                {"devices/pci/ata2/block/sr0/whole", true}};
-  for (const auto& [device, isRemovable] : cases) {
-    TemporaryTree tree({{"source"}, {device + "/"}, {"block/0:0", LinkTo{"../" + device}}});
-    if (device.ends_with("whole")) {
-      tree.build({{device + "/removable", Content{"1\n"}}});
-    } else {
-      tree.build({{device + "/../removable", Content{"0\n"}}});
-    }
-    const LinuxVolumeReader volumes("", tree.path("block"));
-    EXPECT_EQ(volumes.isRemovable(mountOf(tree.path("source"))), isRemovable) << device;
-    EXPECT_FALSE(volumes.isRemovable(mountOf(tree.path("missing"))));
+  // What the folder of a disk holds in sysfs; its partition is what is mounted. An ordinary file has the number 0:0.
+  struct Case {
+    std::string disk;
+    TreeEntry said;
+    bool isRemovable;
+  };
+  const Case cases[] = {
+      {"devices/pci/ata1/block/sda", {"removable", Content{"0\n"}}, false},
+      {"devices/pci/ata2/block/sr0", {"removable", Content{"1\n"}}, true},
+      {"devices/pci/usb2/2-1/block/sdb", {"removable", Content{"0\n"}}, true},
+      {"devices/mmc0/block/mmcblk0", {"device/type", Content{"MMC\n"}}, false},
+      {"devices/mmc1/block/mmcblk1", {"device/type", Content{"SD\n"}}, true},
+      {"devices/virtual/block/dm-0", {"part/slaves/sdc", LinkTo{"../../../../../../usb/sdc"}}, true},
+      {"devices/virtual/block/dm-1", {"part/slaves/sdd", LinkTo{"../../../../../../ata/sdd"}}, false}};
+  for (Case each : cases) {
+    TemporaryTree tree({{"usb/sdc/"}, {"ata/sdd/"}, {"dev/source"}, {each.disk + "/part/"}});
+    each.said.path = each.disk + "/" + each.said.path;
+    tree.build({each.said, {"block/0:0", LinkTo{"../" + each.disk + "/part"}}});
+    const LinuxVolumeReader volumes(tree.path("dev"), tree.path("block"));
+    EXPECT_EQ(volumes.isRemovable(mountOf(tree.path("dev/source"))), each.isRemovable) << each.disk;
+    EXPECT_FALSE(volumes.isRemovable(mountOf(tree.path("dev/missing"))));
   }
 }
 

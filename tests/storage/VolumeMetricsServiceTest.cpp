@@ -67,6 +67,7 @@ TEST_F(VolumeMetrics, OffersTheStartupDriveThenTheOthersByName) {
       "24 1 0:50 / /mnt/server rw - nfs4 server:/ rw\n"
       "25 1 0:51 / /mnt/phone rw - fuse.sshfs phone: rw\n"
       "26 1 7:1 / /mnt/image ro - squashfs /dev/loop1 ro\n"
+      "30 1 7:2 / /mnt/disc ro - iso9660 /dev/loop2 ro\n"
       "27 1 0:52 / /media rw - tmpfs tmpfs rw\n"
       "28 1 8:33 /sub /mnt/again rw - ext4 /dev/sdc1 rw\n"
       "29 1 8:1 /usr /mnt/usr rw - ext4 /dev/sda1 rw\n";
@@ -98,6 +99,8 @@ TEST_F(VolumeMetrics, CapturesAVolumeThatAnswers) {
   EXPECT_EQ(service.capture("/home"), (VolumeSnapshot{"System", 100, 30}));
   EXPECT_EQ(service.capture("/gone"), std::nullopt);
   EXPECT_EQ(service.capture("/net/x"), std::nullopt);
+  mountTable.text.clear();
+  EXPECT_EQ(service.capture("/home"), std::nullopt);
   EXPECT_EQ(volumes.asked, (Drives{"/home", "/home", "/gone"})) << "a server that is away is not waited for";
 }
 

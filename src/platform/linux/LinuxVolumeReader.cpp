@@ -4,7 +4,6 @@
 #include <sys/statvfs.h>
 #include <sys/sysmacros.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
@@ -12,6 +11,7 @@
 #include <system_error>
 
 #include "base/Hex.h"
+#include "base/Path.h"
 
 namespace lumenary {
 namespace {
@@ -24,9 +24,34 @@ std::int64_t bytesOf(std::uint64_t blocks, std::uint64_t blockBytes) {
   return isTooMuch ? std::numeric_limits<std::int64_t>::max() : bytes;
 }
 
-bool saysOne(const fs::path& file) {
-  char first = '0';
-  return std::ifstream(file).get(first) && first == '1';
+bool says(const fs::path& file, std::string_view word) {
+  std::string line;
+  return std::getline(std::ifstream(file), line) && line == word;
+}
+
+/// `link` leads to the folder of a disk or of a partition, which stands in that of its disk.
+bool isRemovableDevice(const fs::path& link) {
+  std::error_code error;
+  const fs::path device = fs::canonical(link, error);
+  if (error) {
+    return false;
+  }
+  for (const fs::path& disk : {device, device.parent_path()}) {
+    // A memory card says that it isn't removable; what is soldered in is an "MMC".
+    if (says(disk / "removable", "1") || says(disk / "device/type", "SD")) {
+      return true;
+    }
+  }
+  if (device.native().contains("/usb")) {
+    return true;
+  }
+  // An encrypted volume stands upon another device.
+  for (fs::directory_iterator below(device / "slaves", error), end; !error && below != end; below.increment(error)) {
+    if (isRemovableDevice(below->path())) {
+      return true;
+    }
+  }
+  return false;
 }
 
 }  // namespace
@@ -44,11 +69,12 @@ SystemResult<VolumeCapacity> LinuxVolumeReader::capacity(const std::string& path
 
 std::optional<std::string> LinuxVolumeReader::label(const Mount& mount) const {
   std::error_code error;
-  const fs::path device = fs::canonical(mount.source, error);
-  if (error || !mount.source.starts_with('/')) {
+  const fs::path device = isDevice(mount.source) ? fs::canonical(mount.source, error) : fs::path();
+  if (error || device.empty()) {
     return std::nullopt;
   }
-  for (fs::directory_iterator link(labels_, error), end; !error && link != end; link.increment(error)) {
+  for (fs::directory_iterator link(devices_ + "/disk/by-label", error), end; !error && link != end;
+       link.increment(error)) {
     std::error_code isBroken;
     if (fs::canonical(link->path(), isBroken) == device && !isBroken) {
       return labelOfLinkName(link->path().filename().native());
@@ -57,22 +83,19 @@ std::optional<std::string> LinuxVolumeReader::label(const Mount& mount) const {
   return std::nullopt;
 }
 
+/// Anything else that a mount names as its source may stand on a volume that doesn't answer.
+bool LinuxVolumeReader::isDevice(std::string_view source) const {
+  return source != devices_ && isSameOrInside(source, devices_);
+}
+
 bool LinuxVolumeReader::isRemovable(const Mount& mount) const {
   // The source rather than the mount's own number: some file systems have numbers of their own, which no disk has.
   struct stat found{};
-  if (!mount.source.starts_with('/') || ::stat(mount.source.c_str(), &found) != 0) {
+  if (!isDevice(mount.source) || ::stat(mount.source.c_str(), &found) != 0) {
     return false;
   }
   const std::string number = std::to_string(major(found.st_rdev)) + ':' + std::to_string(minor(found.st_rdev));
-  std::error_code error;
-  const fs::path device = fs::canonical(fs::path(blockDevices_) / number, error);
-  if (error) {
-    return false;
-  }
-  const std::string& place = device.native();
-  // A partition stands in the folder of its disk.
-  return place.contains("/usb") || place.contains("/mmc_host/") || saysOne(device / "removable") ||
-         saysOne(device.parent_path() / "removable");
+  return isRemovableDevice(fs::path(blockDevices_) / number);
 }
 
 std::string labelOfLinkName(std::string_view name) {

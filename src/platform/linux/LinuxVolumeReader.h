@@ -12,15 +12,17 @@ namespace lumenary {
 class LinuxVolumeReader final : public VolumeReader {
  public:
   /// The folders to look into, which differ in tests.
-  explicit LinuxVolumeReader(std::string labels = "/dev/disk/by-label", std::string blockDevices = "/sys/dev/block")
-      : labels_(std::move(labels)), blockDevices_(std::move(blockDevices)) {}
+  explicit LinuxVolumeReader(std::string devices = "/dev", std::string blockDevices = "/sys/dev/block")
+      : devices_(std::move(devices)), blockDevices_(std::move(blockDevices)) {}
 
   SystemResult<VolumeCapacity> capacity(const std::string& path) const override;
   std::optional<std::string> label(const Mount& mount) const override;
   bool isRemovable(const Mount& mount) const override;
 
  private:
-  std::string labels_;
+  bool isDevice(std::string_view source) const;
+
+  std::string devices_;
   std::string blockDevices_;
 };
 
