@@ -43,6 +43,7 @@ StorageIndex::SearchItems buildSearchItems(const StorageIndex::Children& childre
     const std::string folded = caseFolded(text);
     result.text.insert(result.text.end(), folded.begin(), folded.end());
     ends.push_back(result.text.size());
+    result.text.push_back('\0');
   };
   for (const auto& [folder, nodes] : children) {
     for (const StorageNode& node : nodes) {
@@ -55,7 +56,7 @@ StorageIndex::SearchItems buildSearchItems(const StorageIndex::Children& childre
   std::ranges::sort(result.items, {}, [](const StorageIndex::SearchItem& item) {
     return std::tuple(-item.node->byteCount, std::string_view(item.node->path));
   });
-  // In the order in which a search goes through them: otherwise each name would be a wait for memory.
+  // In the order in which a search goes through them.
   for (const StorageIndex::SearchItem& item : result.items) {
     addText(item.node->name);
   }
@@ -64,7 +65,7 @@ StorageIndex::SearchItems buildSearchItems(const StorageIndex::Children& childre
   std::size_t next = 0;
   const auto nextText = [&] {
     const std::string_view text(result.text.data() + start, ends[next] - start);
-    start = ends[next++];
+    start = ends[next++] + 1;
     return text;
   };
   std::ranges::generate(result.parents, nextText);

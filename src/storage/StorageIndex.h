@@ -37,7 +37,9 @@ class StorageIndex {
   struct SearchItems {
     std::vector<SearchItem> items;          ///< all nodes but the root, largest first, equal sizes by path
     std::vector<std::string_view> parents;  ///< the case-folded path of each folder that holds one
-    std::vector<char> text;                 ///< what the views above point into, wherever this value is moved to
+    /// What the views above point into, wherever this value is moved to: the names stand in the order of the items,
+    /// each with a NUL behind it.
+    std::vector<char> text;
   };
 
   /// The first caller builds them, the others wait.
