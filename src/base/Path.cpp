@@ -5,15 +5,23 @@
 
 namespace lumenary {
 
-namespace {
-
-/// Nothing in it that standardising would take away.
 bool isStandard(std::string_view path) {
-  return path.starts_with('/') && (path.size() == 1 || !path.ends_with('/')) && !path.contains("//") &&
-         !path.contains("/.");
+  if (path == "/") {
+    return true;
+  }
+  while (path.starts_with('/')) {
+    path.remove_prefix(1);
+    const std::string_view component = path.substr(0, path.find('/'));
+    if (component.empty() || component == "." || component == "..") {
+      return false;
+    }
+    path.remove_prefix(component.size());
+    if (path.empty()) {
+      return true;
+    }
+  }
+  return false;
 }
-
-}  // namespace
 
 std::string standardise(std::string_view path) {
   std::string result;

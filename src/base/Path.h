@@ -12,6 +12,8 @@ namespace lumenary {
 std::string standardise(std::string_view path);
 /// The same for a path that needn't be kept.
 std::string standardised(std::string path);
+/// True for a path that standardising doesn't change.
+bool isStandard(std::string_view path);
 
 /// What stands behind the last slash; "/" for the root.
 std::string_view lastPathComponent(std::string_view path);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -28,11 +29,14 @@ class FolderByteTotals {
   }
 
   /// The bytes of a folder; null where it isn't in the map.
-  std::int64_t* find(std::string_view path) {
-    const auto found = std::ranges::lower_bound(folders_, path, {}, &Folder::path);
-    return found != folders_.end() && found->path == path ? &found->bytes : nullptr;
+  const std::int64_t* find(std::string_view path) const {
+    const auto found = positionOf(path);
+    return found == folders_.size() ? nullptr : &folders_[found].bytes;
   }
-  const std::int64_t* find(std::string_view path) const { return const_cast<FolderByteTotals*>(this)->find(path); }
+  std::int64_t* find(std::string_view path) {
+    const auto found = positionOf(path);
+    return found == folders_.size() ? nullptr : &folders_[found].bytes;
+  }
 
   /// Sorted by path.
   auto begin() const { return folders_.begin(); }
@@ -43,6 +47,12 @@ class FolderByteTotals {
 
  private:
   void sortKeepingLast();
+  /// The number of folders where there is none of that path.
+  std::size_t positionOf(std::string_view path) const {
+    const auto found = std::ranges::lower_bound(folders_, path, {}, &Folder::path);
+    const bool isThere = found != folders_.end() && found->path == path;
+    return isThere ? static_cast<std::size_t>(found - folders_.begin()) : folders_.size();
+  }
 
   std::vector<Folder> folders_;
 };

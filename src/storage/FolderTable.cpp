@@ -60,7 +60,7 @@ std::string FolderTable::path(FolderID id) const {
   return path;
 }
 
-void FolderTable::foldUpward() {
+void FolderTable::foldUpward() const {
   for (FolderID id = count_ - 1; id > 0; --id) {
     std::int64_t& total = directBytes(parent(id));
     total = checkedSum(total, directBytes(id));

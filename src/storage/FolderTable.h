@@ -49,7 +49,7 @@ class FolderTable {
   std::string path(FolderID id) const;
 
   /// Adds each folder's bytes to its parent's. A sum that leaves 64 bits stops the program.
-  void foldUpward();
+  void foldUpward() const;
 
   /// The order of two files by their paths, compared name by name from the root down.
   std::strong_ordering comparePaths(FolderID folder, const char* name, FolderID otherFolder,

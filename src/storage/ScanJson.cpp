@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/JsonWriter.h"
+#include "base/Path.h"
 #include "base/Text.h"
 #include "storage/JsonFields.h"
 
@@ -70,10 +71,11 @@ std::optional<FolderByteTotals> decodeFolderTotals(const JsonValue& value) {
   folders.reserve(members->size());
   for (const auto& [path, number] : *members) {
     const auto bytes = byteCountOf(number);
-    if (!bytes || !path.starts_with('/')) {
+    std::string folder = bytesOfReversibleText(path);
+    if (!bytes || !isStandard(folder) || folder.contains('\0')) {
       return std::nullopt;
     }
-    folders.push_back({.path = bytesOfReversibleText(path), .bytes = *bytes});
+    folders.push_back({.path = std::move(folder), .bytes = *bytes});
   }
   return FolderByteTotals(std::move(folders));
 }
@@ -158,7 +160,7 @@ std::string encodeScanResult(const StorageScanResult& result, DateForm dates) {
   constexpr std::size_t bytesOfEntry = 320;
   constexpr std::size_t bytesOfFolder = 96;
   const std::size_t folders = result.folderByteTotals ? result.folderByteTotals->size() : 0;
-  JsonWriter json(JsonWriter::Layout::compact, result.entries.size() * bytesOfEntry + folders * bytesOfFolder);
+  JsonWriter json(JsonWriter::Layout::compact, (result.entries.size() * bytesOfEntry) + (folders * bytesOfFolder));
   json.beginObject();
   json.key("root").string(fileURLString(result.root));
   json.key("scannedAt");

@@ -94,11 +94,14 @@ std::expected<std::optional<StorageScanResult>, ScanLoadError> ScanStore::load(s
       }
     }
   }
-  auto result = loadReadable(urls);
-  if (result && *result) {
-    saveFastWhereMissing(urls, **result);
+  auto loaded = loadReadable(urls);
+  if (!loaded) {
+    return loaded;
   }
-  return result;
+  if (const std::optional<StorageScanResult>& result = *loaded; result) {
+    saveFastWhereMissing(urls, *result);
+  }
+  return loaded;
 }
 
 std::expected<std::optional<StorageScanResult>, ScanLoadError> ScanStore::loadReadable(const ScanFiles& urls) {

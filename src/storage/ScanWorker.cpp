@@ -256,7 +256,7 @@ void ScanWorker::giveFolders() {
     levels_.erase(levels_.begin(), middle);
   } else {
     FolderRange& range = levels_.back().range;
-    const FolderID middle = range.begin + (range.end - range.begin + 1) / 2;
+    const FolderID middle = range.begin + ((range.end - range.begin + 1) / 2);
     if (middle == range.end) {
       return;
     }

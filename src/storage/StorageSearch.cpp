@@ -40,9 +40,11 @@ class PathQuery {
     folders_.reserve(folders.size());
     for (const std::string_view folder : folders) {
       const std::string_view leading = folder == "/" ? "" : folder;
-      folders_.push_back(holds(folder, query)              ? Folder::holdsQuery
-                         : leading.ends_with(beforeSlash_) ? Folder::endsInBeginning
-                                                           : Folder::neither);
+      if (holds(folder, query)) {
+        folders_.push_back(Folder::holdsQuery);
+      } else {
+        folders_.push_back(leading.ends_with(beforeSlash_) ? Folder::endsInBeginning : Folder::neither);
+      }
     }
   }
 
@@ -75,7 +77,8 @@ void rankNames(std::span<const StorageIndex::SearchItem> items, std::string_view
       return;
     }
     const std::string_view name = items[index].lowercasedName;
-    ranks[index] = at != name.begin() ? partOfName : name.size() == query.size() ? exactName : beginningOfName;
+    const Rank atBeginning = name.size() == query.size() ? exactName : beginningOfName;
+    ranks[index] = at == name.begin() ? atBeginning : partOfName;
     at = name.end();
   }
 }

@@ -13,6 +13,8 @@ TEST(PathTest, standardising) {
       {"/../../a", "/a"}};
   for (const auto& [path, standard] : cases) {
     EXPECT_EQ(standardise(path), standard) << path;
+    EXPECT_EQ(standardised(std::string(path)), standard) << path;
+    EXPECT_EQ(isStandard(path), path == standard) << path;
   }
 }
 

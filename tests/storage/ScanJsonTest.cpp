@@ -96,6 +96,8 @@ TEST(ScanJson, RefusesATextThatBreaksARuleAnywhere) {
       {"[\"Developer Data\",4096]", "[4096,\"Developer Data\"]"},
       {"{\"/home/anna\":4096", "{\"home/anna\":4096"},
       {"{\"/home/anna\":4096", "{\"/home/anna\":4096.5"},
+      {"{\"/home/anna\":4096", "{\"/home/../etc\":4096"},
+      {"{\"/home/anna\":4096", "{\"/home/anna\\u0000\":4096"},
   };
   for (const auto& [part, by] : breaches) {
     const auto result = decodeScanResult(replaced(readable, part, by), DateForm::iso8601);
