@@ -36,7 +36,7 @@ int numberAt(std::string_view text, std::size_t position, std::size_t digits) {
 
 void writeNumber(std::string& text, std::size_t position, std::size_t digits, int number) {
   for (; digits > 0; --digits, number /= 10) {
-    text[position + digits - 1] = static_cast<char>('0' + number % 10);
+    text[position + digits - 1] = static_cast<char>('0' + (number % 10));
   }
 }
 

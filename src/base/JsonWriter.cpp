@@ -71,7 +71,7 @@ std::size_t lengthWithoutEscape(std::string_view text) {
     std::uint64_t word = 0;
     std::memcpy(&word, text.data() + length, 8);
     const std::uint64_t control = (word - 0x20 * ones) & ~word & highBits;
-    if ((control | zeros(word ^ '"' * ones) | zeros(word ^ '\\' * ones)) != 0) {
+    if ((control | zeros(word ^ ('"' * ones)) | zeros(word ^ ('\\' * ones))) != 0) {
       break;
     }
   }

@@ -41,11 +41,11 @@ std::string encodeSamples(const std::vector<DiskSample>& samples) {
 }  // namespace
 
 std::vector<DiskSample> load(const Defaults& defaults) {
-  const auto text = defaults.string(key);
-  if (!text || !*text) {
+  const auto text = defaults.string(key).value_or(std::nullopt);
+  if (!text) {
     return {};
   }
-  auto samples = decodeDocument(**text, [](const JsonValue& root) { return decodeAll(root, decodeSample); });
+  auto samples = decodeDocument(*text, [](const JsonValue& root) { return decodeAll(root, decodeSample); });
   return std::move(samples).value_or(std::vector<DiskSample>());
 }
 

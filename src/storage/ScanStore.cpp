@@ -43,7 +43,7 @@ struct PlainLog {
     }
     auto records = decode(*bytes);
     mayReplace = records || records.error() != JsonDocument::Error::unavailable;
-    return std::move(records).value_or(std::vector<Record>());
+    return records ? *std::move(records) : std::vector<Record>();
   }
 
   std::vector<Record> append(const Record& record) const {
@@ -52,7 +52,7 @@ struct PlainLog {
     records.push_back(record);
     keepNewest(records, limit);
     if (mayReplace) {
-      static_cast<void>(files.writeAtomically(url, encode(records)));
+      [[maybe_unused]] const auto written = files.writeAtomically(url, encode(records));
     }
     return records;
   }
