@@ -29,7 +29,7 @@ struct Platform {
   std::unique_ptr<Interruption> interruption;
   std::function<Date()> now;
   PerfProbe probe;
-  unsigned processors = 1;  ///< that this process may use
+  std::function<unsigned()> processors;  ///< how many this process may use, at least 1
 };
 
 /// The platform of this build, for the person who runs the process.

@@ -31,6 +31,8 @@ std::string below(const std::string& folder, std::string_view relative) {
 
 }  // namespace
 
+std::string accountHomeOf(std::uint32_t userID) { return absolute(homeByPasswordDatabase(userID)); }
+
 Places placesOf(const Environment& environment) {
   const auto variable = [&](const char* name) {
     const char* const value = environment(name);
@@ -38,10 +40,9 @@ Places placesOf(const Environment& environment) {
   };
   Places places;
   places.userID = ::geteuid();
-  places.accountHome = absolute(homeByPasswordDatabase(places.userID));
   places.home = variable("HOME");
   if (places.home.empty()) {
-    places.home = places.accountHome;
+    places.home = accountHomeOf(places.userID);
   }
   const auto folder = [&](const char* name, std::string_view standard) {
     std::string path = variable(name);

@@ -50,7 +50,7 @@ Platform makePlatform() {
   platform.terminal = std::make_unique<LinuxTerminal>();
   platform.now = [] { return std::chrono::floor<Date::duration>(std::chrono::system_clock::now()); };
   platform.probe = PerfProbe::of(std::getenv("LUMENARY_BENCH"), std::getenv("LUMENARY_OFF"));
-  platform.processors = std::max(1U, std::thread::hardware_concurrency());
+  platform.processors = [] { return std::max(1U, std::thread::hardware_concurrency()); };
   return platform;
 }
 

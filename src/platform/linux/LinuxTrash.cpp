@@ -7,6 +7,7 @@
 #include <chrono>
 
 #include "base/Path.h"
+#include "platform/linux/LinuxPlaces.h"
 #include "platform/linux/TrashInfoFile.h"
 #include "platform/linux/TrashName.h"
 
@@ -72,13 +73,21 @@ struct LinuxTrash::Attempt {
   bool isSettled = true;
 };
 
+Places LinuxTrash::guardedPlaces() const {
+  Places places = places_;
+  if (places.accountHome.empty()) {
+    places.accountHome = accountHomeOf(places.userID);
+  }
+  return places;
+}
+
 std::expected<TrashedItem, TrashError> LinuxTrash::move(const OpenedItem& item, std::int64_t allocatedBytes,
                                                         IntentRecorder& recorder) {
   const auto mounts = mountTable_.mounts();
   if (!mounts) {
     return std::unexpected(refuse(TrashRefusal::guarded));
   }
-  const GuardList guard(reader_, *mounts, places_);
+  const GuardList guard(reader_, *mounts, guardedPlaces());
   if (guard.keeps(item.path, item.identity) || guard.keepsBelow(reader_, item.parent)) {
     return std::unexpected(refuse(TrashRefusal::guarded));
   }
@@ -220,7 +229,7 @@ std::expected<TrashedItem, TrashError> LinuxTrash::putBack(const std::string& tr
                                                            IntentRecorder& recorder) {
   const auto mounts = mountTable_.mounts();
   if (!mounts || !originalPath.starts_with('/') || standardise(originalPath) != originalPath ||
-      GuardList(reader_, *mounts, places_).keepsOut(originalPath)) {
+      GuardList(reader_, *mounts, guardedPlaces()).keepsOut(originalPath)) {
     return std::unexpected(refuse(TrashRefusal::guarded));
   }
   const std::string name(lastPathComponent(trashPath));

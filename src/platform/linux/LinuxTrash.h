@@ -33,6 +33,8 @@ class LinuxTrash final : public Trash {
   void writeSizes() override;
 
  private:
+  /// With the account's own home, which is guarded as well.
+  Places guardedPlaces() const;
   struct Attempt;
 
   std::expected<void, TrashError> checkPermission(const OpenedItem& item);
