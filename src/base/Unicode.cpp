@@ -86,6 +86,22 @@ std::string caseFolded(std::string_view text) {
   return result;
 }
 
+std::string capitalised(std::string_view text) {
+  std::string result;
+  for (bool isInWord = false; !text.empty();) {
+    const std::string_view piece = firstPiece(text);
+    if (isUTF8(piece)) {
+      const utf8proc_int32_t character = characterAt(piece);
+      append(result, isInWord ? utf8proc_tolower(character) : utf8proc_totitle(character));
+      isInWord = isAlphanumeric(character) || (isInWord && piece == "'");
+    } else {
+      result += piece;
+    }
+    text.remove_prefix(piece.size());
+  }
+  return result;
+}
+
 std::string_view trimmed(std::string_view text) {
   const auto isBlank = [](std::string_view piece) { return isUTF8(piece) && isWhiteSpace(characterAt(piece)); };
   while (!text.empty() && isBlank(firstPiece(text))) {

@@ -9,6 +9,10 @@ namespace lumenary {
 /// For comparing without regard to case: Unicode's simple case folding, one character for one.
 std::string caseFolded(std::string_view text);
 
+/// The first letter of each word in upper case, the others in lower: "foo bar-baz" becomes "Foo Bar-Baz". A word ends
+/// at whatever is no letter, digit or apostrophe.
+std::string capitalised(std::string_view text);
+
 /// Without the white space at both ends: blanks of any width, tabs, line breaks.
 std::string_view trimmed(std::string_view text);
 

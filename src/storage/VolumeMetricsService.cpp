@@ -28,6 +28,18 @@ bool isBrowsable(const Mount& mount) {
 
 }  // namespace
 
+std::vector<std::string> drivesOfPerson(const std::vector<Mount>& mounts, const Places& places) {
+  std::vector<std::string> points;
+  for (const Mount& mount : mounts) {
+    const bool holdsHome = isSameOrInside(places.home, mount.point);
+    if (mount.kind == MountKind::local && isBrowsable(mount) && standsWhereDrivesAre(mount.point, places) &&
+        !holdsHome) {
+      points.push_back(mount.point);
+    }
+  }
+  return points;
+}
+
 std::optional<VolumeSnapshot> VolumeMetricsService::capture(const std::string& path) const {
   const auto mounts = mountTable_.mounts();
   const auto mountOf = [&](const std::string& at) { return mounts ? mountHolding(*mounts, at) : nullptr; };

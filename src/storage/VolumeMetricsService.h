@@ -23,6 +23,10 @@ struct DriveInfo {
   bool operator==(const DriveInfo&) const = default;
 };
 
+/// Where drives that a person plugs in or adds are mounted: local ones below the folders for them, the one that holds
+/// the person's home left out.
+std::vector<std::string> drivesOfPerson(const std::vector<Mount>& mounts, const Places& places);
+
 /// How big and how full volumes are, and which there are, without a scan. All references must outlive the value.
 class VolumeMetricsService {
  public:
