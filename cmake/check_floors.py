@@ -9,7 +9,11 @@ import sys
 FLOORS = ["base", "platform", "storage", "cleanup", "cleanup/command", "core", "surfaces"]
 
 SYSTEM_FOLDERS = ("platform/linux/", "base/linux/")
-LIBRARIES = {"simdjson.h": ("base/JsonReader.cpp", "base/linux/"), "utf8proc.h": ("base/Unicode.cpp",)}
+LIBRARIES = {
+    "simdjson.h": ("base/JsonReader.cpp", "base/linux/"),
+    "utf8proc.h": ("base/Unicode.cpp",),
+    "nettle/sha2.h": ("base/Sha256.cpp",),
+}
 
 CXX_LIBRARY = set("""
 algorithm any array atomic barrier bit bitset charconv chrono codecvt compare complex concepts condition_variable

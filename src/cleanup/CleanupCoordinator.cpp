@@ -5,6 +5,7 @@
 
 #include "base/Path.h"
 #include "cleanup/DeveloperScanner.h"
+#include "cleanup/MoveAttempt.h"
 #include "storage/AllocatedSize.h"
 
 namespace lumenary {
@@ -13,18 +14,6 @@ namespace {
 using enum CleanupSafetyError;
 
 constexpr std::size_t fewestComponents = 5;
-constexpr std::int64_t smallestAllowance = 1'048'576;
-constexpr std::int64_t largestWithSmallestAllowance = 20'971'519;
-
-/// True where a size moved away from the reviewed one by more than a twentieth of it, 1 MiB at the least.
-bool differsTooMuch(std::int64_t measured, std::int64_t reviewed) {
-  const std::int64_t allowance = reviewed > largestWithSmallestAllowance ? reviewed / 20 : smallestAllowance;
-  // Unsigned, as the distance of two signed numbers may need all 64 bits.
-  const std::uint64_t distance = static_cast<std::uint64_t>(std::max(measured, reviewed)) -
-                                 static_cast<std::uint64_t>(std::min(measured, reviewed));
-  return distance > static_cast<std::uint64_t>(allowance);
-}
-
 std::unexpected<CleanupRefusal> refused(const CleanupRefusal& refusal) { return std::unexpected(refusal); }
 
 }  // namespace
@@ -92,27 +81,15 @@ std::expected<TrashedItem, CleanupRefusal> CleanupCoordinator::move(const Cleanu
 
 CleanupOutcome CleanupCoordinator::moveToTrash(const CleanupCandidate& candidate, const UUID& transactionID,
                                                CleanupJournal& journal) const {
-  CleanupOutcome outcome{.id = UUID::random(), .url = candidate.url, .trashURL = {}, .success = false, .message = {}};
-  CleanupJournal::Recorder recorder(journal, {.act = JournalEntry::Act::move,
-                                              .transactionID = transactionID,
-                                              .itemID = outcome.id,
-                                              .source = CleanupTransaction::Source::buildCleanup,
-                                              .ruleID = developerRuleID(candidate.url),
-                                              .measuredBytes = candidate.byteCount,
-                                              .intent = {}});
-  const auto moved = move(candidate, recorder);
-  if (!(moved ? moved->isSettled : isSettled(moved.error()))) {
-    journal.keepForRecovery();
-  }
-  outcome.success = moved.has_value();
-  outcome.message = moved ? "Moved to Trash" : description(moved.error());
-  if (!moved) {
-    recorder.refused(outcome.message);
-  }
-  if (moved && !moved->trashPath.empty()) {
-    outcome.trashURL = FileURL{.path = moved->trashPath, .isFolder = true};
-  }
-  return outcome;
+  return attemptMove(candidate.url,
+                     {.act = JournalEntry::Act::move,
+                      .transactionID = transactionID,
+                      .itemID = UUID::random(),
+                      .source = CleanupTransaction::Source::buildCleanup,
+                      .ruleID = developerRuleID(candidate.url),
+                      .measuredBytes = candidate.byteCount,
+                      .intent = {}},
+                     journal, [&](IntentRecorder& recorder) { return move(candidate, recorder); });
 }
 
 std::vector<CleanupOutcome> CleanupCoordinator::moveToTrash(std::span<const CleanupCandidate> candidates,

@@ -8,7 +8,7 @@
 
 #include "cleanup/CleanupCandidate.h"
 #include "cleanup/CleanupJournal.h"
-#include "cleanup/CleanupSafetyError.h"
+#include "cleanup/CleanupRefusal.h"
 #include "platform/FileReader.h"
 #include "platform/Places.h"
 #include "platform/Trash.h"

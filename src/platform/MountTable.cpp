@@ -1,5 +1,8 @@
 #include "platform/MountTable.h"
 
+#include <algorithm>
+#include <array>
+
 #include "base/Path.h"
 
 namespace lumenary {
@@ -15,6 +18,11 @@ const Mount* mountHolding(const std::vector<Mount>& mounts, std::string_view pat
     }
   }
   return holding;
+}
+
+bool keepsInodeNumbers(const Mount& mount) {
+  constexpr std::array<std::string_view, 6> withoutLasting = {"aufs", "exfat", "fuseblk", "msdos", "overlay", "vfat"};
+  return mount.kind == MountKind::local && std::ranges::find(withoutLasting, mount.type) == withoutLasting.end();
 }
 
 std::vector<std::string> mountPointsNotToEnter(const std::vector<Mount>& mounts, std::string_view root) {

@@ -37,6 +37,10 @@ class MountTable {
 /// The mount that holds `path` (absolute, no links in it): the one with the longest point; none in an empty list.
 const Mount* mountHolding(const std::vector<Mount>& mounts, std::string_view path);
 
+/// Whether a file has the same inode number after it was closed, or after a restart. FAT has none on the disk, and what
+/// is composed of several file systems or served by another process may make them up.
+bool keepsInodeNumbers(const Mount& mount);
+
 /// Points strictly below `root` at which a walk must not go on: kernel, network and userspace mounts.
 std::vector<std::string> mountPointsNotToEnter(const std::vector<Mount>& mounts, std::string_view root);
 

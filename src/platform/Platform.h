@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 
+#include "platform/ContentReader.h"
 #include "platform/Defaults.h"
 #include "platform/DurableFiles.h"
 #include "platform/FileReader.h"
@@ -20,6 +21,7 @@ namespace lumenary {
 struct Platform {
   Places places;
   std::unique_ptr<FileReader> reader;
+  std::unique_ptr<ContentReader> contents;
   std::unique_ptr<MountTable> mountTable;
   std::unique_ptr<VolumeReader> volumes;
   std::unique_ptr<DurableFiles> files;

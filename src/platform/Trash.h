@@ -92,6 +92,8 @@ class Trash {
  public:
   virtual ~Trash() = default;
 
+  /// Refuses what this person may not move, or what could be moved but not emptied afterwards. Changes nothing.
+  virtual std::expected<void, TrashError> check(const OpenedItem& item) = 0;
   /// Moves the item to the Trash of its own file system. Never copies, never overwrites, never follows a link, never
   /// deletes. `allocatedBytes` is the measured size of a folder, for the Trash's own list of sizes.
   virtual std::expected<TrashedItem, TrashError> move(const OpenedItem& item, std::int64_t allocatedBytes,

@@ -8,6 +8,7 @@
 #include "base/Date.h"
 #include "base/FileURL.h"
 #include "base/UUID.h"
+#include "platform/FileIdentity.h"
 #include "storage/StorageCategory.h"
 
 namespace lumenary {
@@ -23,6 +24,8 @@ struct FileEntry {
   std::int64_t byteCount = 0;  ///< allocated on the disk
   std::optional<Date> modifiedAt;
   StorageCategory category = StorageCategory::unclassified;
+  /// Which thing was measured, where the scan has just seen it and its file system keeps such numbers. It isn't stored.
+  std::optional<FileIdentity> identity{};
 
   bool operator==(const FileEntry&) const = default;
 };

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/FileIdentity.h"
 #include "storage/FolderTable.h"
 #include "storage/StorageCategory.h"
 
@@ -17,6 +18,7 @@ struct TrackedFile {
   const char* name = nullptr;        ///< ends in NUL
   FolderID folderID = 0;             ///< the folder that holds it
   StorageCategory category = StorageCategory::unclassified;
+  FileIdentity identity{};
 };
 
 /// The largest files of a scan, by bytes and equal ones by path, so that the choice doesn't depend on the order in

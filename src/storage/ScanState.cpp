@@ -19,7 +19,8 @@ FileEntry entryOf(const TrackedFile& file, std::string_view folder) {
                    .kind = FileEntry::Kind::file,
                    .byteCount = file.byteCount,
                    .modifiedAt = Date(std::chrono::seconds(file.modifiedSeconds)),
-                   .category = file.category};
+                   .category = file.category,
+                   .identity = file.identity};
 }
 
 }  // namespace

@@ -223,7 +223,8 @@ void ScanWorker::measure(const OpenFolder& folder, const FolderEntry& entry) {
                          .modifiedSeconds = wholeSeconds(attributes->modified),
                          .name = entry.name,
                          .folderID = folder.id,
-                         .category = listing_.category};
+                         .category = listing_.category,
+                         .identity = attributes->identity};
   if (attributes->linkCount >= 2 && attributes->identity.inode != 0 && folder.isIdentified) {
     listing_.hardlinkedFiles.push_back({.identity = attributes->identity, .file = file});
     return;

@@ -59,6 +59,18 @@ PlacesNotEntered placesNotEntered(const FileReader& reader, const MountTable& mo
   return notEntered;
 }
 
+/// Of each file that was listed, only what still tells it later stays.
+void forgetPassingIdentities(StorageScanResult& result, const FileReader& reader, const MountTable& mountTable) {
+  const auto mounts = mountTable.mounts();
+  const std::string root = reader.realPath(result.root.path).value_or(result.root.path);
+  const Mount* const mount = mounts ? mountHolding(*mounts, root) : nullptr;
+  if (mount == nullptr || !keepsInodeNumbers(*mount)) {
+    for (FileEntry& entry : result.entries) {
+      entry.identity.reset();
+    }
+  }
+}
+
 /// Runs the workers and waits for them. Without threads to be had, the calling one does it all.
 void work(std::vector<ScanWorker>& workers, WorkExchange& exchange, OpenFolder root) {
   std::vector<std::jthread> threads;
@@ -113,7 +125,9 @@ std::expected<StorageScanResult, StorageScannerError> StorageScanner::scan(const
   if (stop.stop_requested()) {
     return std::unexpected(StorageScannerError::cancelled);
   }
-  return state.makeResult(url);
+  StorageScanResult result = state.makeResult(url);
+  forgetPassingIdentities(result, reader_, mountTable_);
+  return result;
 }
 
 StorageCategory StorageScanner::category(std::string_view path) {

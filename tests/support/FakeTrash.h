@@ -25,6 +25,13 @@ class FakeTrash final : public Trash {
 
   static std::string placeOf(const std::string& name) { return "/trash/files/" + name; }
 
+  std::map<std::string, TrashError> checkFailures{};  ///< by path
+
+  std::expected<void, TrashError> check(const OpenedItem& item) override {
+    const auto failure = checkFailures.find(item.path);
+    return failure == checkFailures.end() ? std::expected<void, TrashError>() : std::unexpected(failure->second);
+  }
+
   std::expected<TrashedItem, TrashError> move(const OpenedItem& item, std::int64_t allocatedBytes,
                                               IntentRecorder& recorder) override {
     calls.push_back("move " + item.path + " " + std::to_string(allocatedBytes));

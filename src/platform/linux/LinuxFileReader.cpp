@@ -92,13 +92,6 @@ SystemResult<Foothold> approach(std::string_view path) {
   return foothold;
 }
 
-Date dateOf(const statx_timestamp& stamp) {
-  using std::chrono::seconds;
-  constexpr auto limit = std::chrono::duration_cast<seconds>(Date::duration::max()) - seconds(1);
-  const seconds whole = std::clamp(seconds(stamp.tv_sec), -limit, limit);
-  return Date(whole + std::chrono::microseconds(stamp.tv_nsec / 1000));
-}
-
 SystemResult<FileAttributes> attributesAt(int folder, const char* name, int flags) {
   constexpr unsigned wanted = STATX_TYPE | STATX_INO | STATX_NLINK | STATX_UID | STATX_BLOCKS | STATX_MTIME;
   struct statx found{};

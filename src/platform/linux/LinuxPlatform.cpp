@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "platform/Platform.h"
+#include "platform/linux/LinuxContentReader.h"
 #include "platform/linux/LinuxDefaults.h"
 #include "platform/linux/LinuxDurableFiles.h"
 #include "platform/linux/LinuxFileReader.h"
@@ -42,6 +43,7 @@ Platform makePlatform() {
   platform.interruption = std::make_unique<LinuxInterruption>();
   platform.places = places;
   platform.reader = std::make_unique<LinuxFileReader>();
+  platform.contents = std::make_unique<LinuxContentReader>(*platform.reader);
   platform.mountTable = std::make_unique<LinuxMountTable>();
   platform.volumes = std::make_unique<LinuxVolumeReader>();
   platform.files = std::make_unique<LinuxDurableFiles>(kernel);

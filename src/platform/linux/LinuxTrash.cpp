@@ -95,7 +95,7 @@ std::expected<TrashedItem, TrashError> LinuxTrash::move(const OpenedItem& item, 
   if (std::ranges::any_of(*mounts, isInside)) {
     return std::unexpected(refuse(TrashRefusal::mountInside));
   }
-  if (auto allowed = checkPermission(item); !allowed) {
+  if (auto allowed = check(item); !allowed) {
     return std::unexpected(allowed.error());
   }
   // The item was looked at for a while: its folder must still be the one that its path leads to, or the record would be
@@ -113,8 +113,7 @@ std::expected<TrashedItem, TrashError> LinuxTrash::move(const OpenedItem& item, 
   return moveInto(*trash, item, allocatedBytes, recorder);
 }
 
-/// Refuses what could be moved but not emptied from the Trash, before anything is written.
-std::expected<void, TrashError> LinuxTrash::checkPermission(const OpenedItem& item) {
+std::expected<void, TrashError> LinuxTrash::check(const OpenedItem& item) {
   const auto parent = statusOf(kernel_, item.parent);
   if (!parent) {
     return std::unexpected(refuse(TrashRefusal::failed, parent.error()));

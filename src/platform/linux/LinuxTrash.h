@@ -25,6 +25,7 @@ class LinuxTrash final : public Trash {
   LinuxTrash(LinuxKernel& kernel, const FileReader& reader, const MountTable& mountTable, const Places& places)
       : kernel_(kernel), reader_(reader), mountTable_(mountTable), places_(places), folders_(kernel, reader, places) {}
 
+  std::expected<void, TrashError> check(const OpenedItem& item) override;
   std::expected<TrashedItem, TrashError> move(const OpenedItem& item, std::int64_t allocatedBytes,
                                               IntentRecorder& recorder) override;
   std::expected<TrashedItem, TrashError> putBack(const std::string& trashPath, const std::string& originalPath,
@@ -37,7 +38,6 @@ class LinuxTrash final : public Trash {
   Places guardedPlaces() const;
   struct Attempt;
 
-  std::expected<void, TrashError> checkPermission(const OpenedItem& item);
   std::expected<TrashedItem, TrashError> moveInto(const TrashFolder& trash, const OpenedItem& item,
                                                   std::int64_t allocatedBytes, IntentRecorder& recorder);
   Attempt attempt(const TrashFolder& trash, const OpenedItem& item, const std::string& name, IntentRecorder& recorder);

@@ -12,13 +12,6 @@ namespace {
 /// A part of an info file that an act left is as old as its intent; a younger one is being written by somebody else.
 constexpr auto partAllowance = std::chrono::seconds(60);
 
-/// Whether a file has the same inode number after it was closed, or after a restart. FAT has none on the disk, and what
-/// is composed of several file systems or served by another process may make them up.
-bool keepsInodeNumbers(const Mount& mount) {
-  constexpr std::array withoutLasting = {"aufs", "exfat", "fuseblk", "msdos", "overlay", "vfat"};
-  return mount.kind == MountKind::local && std::ranges::find(withoutLasting, mount.type) == withoutLasting.end();
-}
-
 /// As far as the file system can tell. Device numbers may change with a restart of the machine.
 bool mayBe(const FileIdentity& standing, const FileIdentity& intended, const Mount& mount) {
   return standing.kind == intended.kind && (standing.inode == intended.inode || !keepsInodeNumbers(mount));

@@ -3,6 +3,10 @@
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 
+#include <algorithm>
+#include <chrono>
+
+#include "base/Date.h"
 #include "platform/FileIdentity.h"
 
 /// How this platform reads a `statx` answer, so that an identity is the same whoever read it.
@@ -22,6 +26,13 @@ inline FileIdentity identityOf(const struct statx& found) {
   return {.device = makedev(found.stx_dev_major, found.stx_dev_minor),
           .inode = found.stx_ino,
           .kind = kindOfMode(found.stx_mode)};
+}
+
+inline Date dateOf(const statx_timestamp& stamp) {
+  using std::chrono::seconds;
+  constexpr auto limit = std::chrono::duration_cast<seconds>(Date::duration::max()) - seconds(1);
+  const seconds whole = std::clamp(seconds(stamp.tv_sec), -limit, limit);
+  return Date(whole + std::chrono::microseconds(stamp.tv_nsec / 1000));
 }
 
 inline bool isUnchangeable(const struct statx& found) {
