@@ -13,6 +13,7 @@
 #include "platform/Places.h"
 #include "platform/Terminal.h"
 #include "platform/Trash.h"
+#include "platform/TrashBin.h"
 #include "platform/VolumeReader.h"
 
 namespace lumenary {
@@ -26,6 +27,7 @@ struct Platform {
   std::unique_ptr<VolumeReader> volumes;
   std::unique_ptr<DurableFiles> files;
   std::unique_ptr<Trash> trash;
+  std::unique_ptr<TrashBin> trashBin;
   std::unique_ptr<Defaults> defaults;
   std::unique_ptr<Terminal> terminal;
   std::unique_ptr<Interruption> interruption;

@@ -41,6 +41,9 @@ class FaultKernel final : public LinuxKernel {
   int mkdirat(int folder, const char* name, mode_t mode) override {
     return step("mkdirat", [&] { return LinuxKernel::mkdirat(folder, name, mode); });
   }
+  int chmodOpened(int opened, mode_t mode) override {
+    return step("chmodOpened", [&] { return LinuxKernel::chmodOpened(opened, mode); });
+  }
   int renameat2(int from, const char* fromName, int to, const char* toName, unsigned flags) override {
     return step("renameat2", [&] { return LinuxKernel::renameat2(from, fromName, to, toName, flags); });
   }

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <string>
 
 namespace lumenary {
 
@@ -20,6 +21,11 @@ int LinuxKernel::faccessat(int folder, const char* name, int mode, int flags) {
 }
 
 int LinuxKernel::mkdirat(int folder, const char* name, mode_t mode) { return ::mkdirat(folder, name, mode); }
+
+int LinuxKernel::chmodOpened(int opened, mode_t mode) {
+  // fchmod refuses such a descriptor; this name of it leads to the very thing that was opened.
+  return ::fchmodat(AT_FDCWD, ("/proc/self/fd/" + std::to_string(opened)).c_str(), mode, 0);
+}
 
 int LinuxKernel::renameat2(int fromFolder, const char* fromName, int toFolder, const char* toName, unsigned flags) {
   return ::renameat2(fromFolder, fromName, toFolder, toName, flags);

@@ -18,6 +18,8 @@ class LinuxKernel {
   virtual int statx(int folder, const char* name, int flags, unsigned mask, struct ::statx* result);
   virtual int faccessat(int folder, const char* name, int mode, int flags);
   virtual int mkdirat(int folder, const char* name, mode_t mode);
+  /// Changes the mode of what an O_PATH descriptor was opened on.
+  virtual int chmodOpened(int opened, mode_t mode);
   virtual int renameat2(int fromFolder, const char* fromName, int toFolder, const char* toName, unsigned flags);
   virtual int linkat(int fromFolder, const char* fromName, int toFolder, const char* toName, int flags);
   virtual int unlinkat(int folder, const char* name, int flags);

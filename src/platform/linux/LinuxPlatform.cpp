@@ -16,6 +16,7 @@
 #include "platform/linux/LinuxPlaces.h"
 #include "platform/linux/LinuxTerminal.h"
 #include "platform/linux/LinuxTrash.h"
+#include "platform/linux/LinuxTrashBin.h"
 #include "platform/linux/LinuxVolumeReader.h"
 
 namespace lumenary {
@@ -48,6 +49,7 @@ Platform makePlatform() {
   platform.volumes = std::make_unique<LinuxVolumeReader>();
   platform.files = std::make_unique<LinuxDurableFiles>(kernel);
   platform.trash = std::make_unique<LinuxTrash>(kernel, *platform.reader, *platform.mountTable, places);
+  platform.trashBin = std::make_unique<LinuxTrashBin>(kernel, *platform.reader, *platform.mountTable, places, 4);
   platform.defaults = std::make_unique<LinuxDefaults>(*platform.files, places.defaultsFile);
   platform.terminal = std::make_unique<LinuxTerminal>();
   platform.now = [] { return std::chrono::floor<Date::duration>(std::chrono::system_clock::now()); };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <set>
 
 #include "base/Path.h"
 
@@ -95,7 +96,7 @@ SystemResult<TrashFolder> TrashFolders::openParts(Descriptor folder, std::string
 }
 
 /// The home Trash may be reached through links: people put it on a bigger disk. Each folder must be their own.
-SystemResult<TrashFolder> TrashFolders::openHome(Missing missing) {
+SystemResult<TrashFolder> TrashFolders::openHome(Missing missing, int linkFlag) {
   if (missing == Missing::make) {
     if (auto made = makeFolders(kernel_, places_.dataHome); !made) {
       return std::unexpected(made.error());
@@ -105,11 +106,11 @@ SystemResult<TrashFolder> TrashFolders::openHome(Missing missing) {
   if (!parent) {
     return std::unexpected(parent.error());
   }
-  auto folder = openOwned(*parent, "Trash", 0, missing);
+  auto folder = openOwned(*parent, "Trash", linkFlag, missing);
   if (!folder) {
     return std::unexpected(folder.error());
   }
-  return openParts(*std::move(folder), homeTrashPath(places_), {}, 0, missing);
+  return openParts(*std::move(folder), homeTrashPath(places_), {}, linkFlag, missing);
 }
 
 /// The administrator's `.Trash` counts only if nobody could have replaced what stands in it.
@@ -210,6 +211,48 @@ SystemResult<TrashFolder> TrashFolders::openHolding(const std::string& trashPath
     return isShared ? openShared(*top, mount.point, Missing::fail) : openPrivate(*top, mount.point, Missing::fail);
   }
   return std::unexpected(SystemError{ENODEV});
+}
+
+std::vector<std::string> TrashFolders::paths(const std::vector<Mount>& mounts) const {
+  std::vector<std::string> paths = {homeTrashPath(places_)};
+  for (const Mount& mount : mounts) {
+    if (mount.kind == MountKind::local) {
+      paths.push_back(sharedPath(mount.point, places_));
+      paths.push_back(privatePath(mount.point, places_));
+    }
+  }
+  return paths;
+}
+
+std::vector<TrashFolder> TrashFolders::openAll(const std::vector<Mount>& mounts,
+                                               const std::function<void(const SystemError&)>& failed) {
+  std::vector<TrashFolder> found;
+  std::set<FileIdentity> known;
+  const auto take = [&](SystemResult<TrashFolder> trash, bool isHome) {
+    const auto status = trash ? statusOf(kernel_, trash->files) : std::unexpected(trash.error());
+    if (status) {
+      if (known.insert(status->identity).second) {
+        found.push_back(*std::move(trash));
+      }
+      return;
+    }
+    // On a volume, what isn't there, is a link or is another person's holds nothing of this one's.
+    const SystemError error = status.error();
+    const bool isNobodys = error.isMissing() || error.isLink() || error.code == EPERM;
+    if (isHome ? error.code != ENOENT : !isNobodys) {
+      failed(error);
+    }
+  };
+  take(openHome(Missing::fail, O_NOFOLLOW), true);
+  for (const Mount& mount : mounts) {
+    const auto top = mount.kind == MountKind::local ? reader_.openFolder(mount.point, LinkPolicy::refuse)
+                                                    : std::unexpected(SystemError{ENOENT});
+    if (top) {
+      take(openShared(*top, mount.point, Missing::fail), false);
+      take(openPrivate(*top, mount.point, Missing::fail), false);
+    }
+  }
+  return found;
 }
 
 }  // namespace lumenary

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <expected>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -42,13 +43,21 @@ class TrashFolders {
   /// volume that is mounted has it.
   SystemResult<TrashFolder> openHolding(const std::string& trashPath, const std::vector<Mount>& mounts);
 
+  /// Where Trash folders of this person may be, the home Trash first, then those of each local volume.
+  std::vector<std::string> paths(const std::vector<Mount>& mounts) const;
+
+  /// All that there are, each once, whatever mounts show it. Stricter than the others: none of its folders may be a
+  /// link. `failed` is told why one that is there, and seems to be this person's, can't be used.
+  std::vector<TrashFolder> openAll(const std::vector<Mount>& mounts,
+                                   const std::function<void(const SystemError&)>& failed);
+
  private:
   enum class Missing { make, fail };
 
   SystemResult<Descriptor> openOwned(const Descriptor& parent, const char* name, int linkFlag, Missing missing);
   SystemResult<TrashFolder> openParts(Descriptor folder, std::string path, std::string top, int linkFlag,
                                       Missing missing);
-  SystemResult<TrashFolder> openHome(Missing missing);
+  SystemResult<TrashFolder> openHome(Missing missing, int linkFlag = 0);
   SystemResult<TrashFolder> openShared(const Descriptor& top, const std::string& topPath, Missing missing);
   SystemResult<TrashFolder> openPrivate(const Descriptor& top, const std::string& topPath, Missing missing);
   SystemResult<bool> isHomeFileSystem(const KernelStatus& status);
