@@ -169,8 +169,7 @@ std::span<const LinuxRow> linuxRows() {
       {"~/.config/Cursor/{Cache,Code Cache,GPUCache,DawnCache,CachedData}", electronCache("Cursor")},
       {"~/.config/Windsurf/{Cache,Code Cache,GPUCache,DawnCache,CachedData}", electronCache("Windsurf")},
       {"~/.config/Antigravity/{Cache,Code Cache,GPUCache,DawnCache,CachedData}", electronCache("Antigravity")},
-      {"~/.config/{teams,Microsoft/Microsoft Teams}/{Cache,Code Cache,GPUCache,DawnCache,CachedData}",
-       electronCache("Teams")},
+      {"~/.config/{teams,teams-for-linux}/{Cache,Code Cache,GPUCache,DawnCache,CachedData}", electronCache("Teams")},
       {"~/.config/*/{Cache,Code Cache,GPUCache,DawnCache,CachedData}", electronFolder},
 
       // Previews and games.

@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 
+#include "platform/AppNames.h"
 #include "platform/ContentReader.h"
 #include "platform/Defaults.h"
 #include "platform/DurableFiles.h"
@@ -28,6 +29,7 @@ struct Platform {
   std::unique_ptr<DurableFiles> files;
   std::unique_ptr<Trash> trash;
   std::unique_ptr<TrashBin> trashBin;
+  std::unique_ptr<AppNames> appNames;
   std::unique_ptr<Defaults> defaults;
   std::unique_ptr<Terminal> terminal;
   std::unique_ptr<Interruption> interruption;

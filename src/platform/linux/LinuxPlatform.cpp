@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "platform/Platform.h"
+#include "platform/linux/LinuxAppNames.h"
 #include "platform/linux/LinuxContentReader.h"
 #include "platform/linux/LinuxDefaults.h"
 #include "platform/linux/LinuxDurableFiles.h"
@@ -37,7 +38,8 @@ void holdStandardDescriptors() {
 Platform makePlatform() {
   // The platform is a value that moves; what others hold on to stays in its place, as long as the process lives.
   static LinuxKernel kernel;
-  static const Places places = placesOf([](const char* name) { return std::getenv(name); });
+  const Environment environment = [](const char* name) { return std::getenv(name); };
+  static const Places places = placesOf(environment);
 
   holdStandardDescriptors();
   Platform platform;
@@ -50,6 +52,7 @@ Platform makePlatform() {
   platform.files = std::make_unique<LinuxDurableFiles>(kernel);
   platform.trash = std::make_unique<LinuxTrash>(kernel, *platform.reader, *platform.mountTable, places);
   platform.trashBin = std::make_unique<LinuxTrashBin>(kernel, *platform.reader, *platform.mountTable, places, 4);
+  platform.appNames = std::make_unique<LinuxAppNames>(applicationFolders(environment, places));
   platform.defaults = std::make_unique<LinuxDefaults>(*platform.files, places.defaultsFile);
   platform.terminal = std::make_unique<LinuxTerminal>();
   platform.now = [] { return std::chrono::floor<Date::duration>(std::chrono::system_clock::now()); };
