@@ -40,7 +40,7 @@ class ContentReader {
   virtual SystemResult<std::size_t> read(const Descriptor& file, std::uint64_t offset,
                                          std::span<std::byte> into) const = 0;
 
-  /// True where the bytes at that place are in memory already.
+  /// False where the bytes at that place would have to be read from the disk, as far as the system tells.
   virtual bool isInMemory(const Descriptor& file, std::uint64_t offset) const = 0;
   /// The part will be read soon. A hint.
   virtual void willRead(const Descriptor& file, std::uint64_t offset, std::uint64_t length) const = 0;

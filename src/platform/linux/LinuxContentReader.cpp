@@ -96,7 +96,8 @@ SystemResult<std::size_t> LinuxContentReader::read(const Descriptor& file, std::
 bool LinuxContentReader::isInMemory(const Descriptor& file, std::uint64_t offset) const {
   std::byte byte{};
   const iovec piece{.iov_base = &byte, .iov_len = 1};
-  return ::preadv2(file.number(), &piece, 1, static_cast<off_t>(offset), RWF_NOWAIT) == 1;
+  // Only this error says that the disk would have to be asked; some file systems can't tell.
+  return ::preadv2(file.number(), &piece, 1, static_cast<off_t>(offset), RWF_NOWAIT) >= 0 || errno != EAGAIN;
 }
 
 void LinuxContentReader::willRead(const Descriptor& file, std::uint64_t offset, std::uint64_t length) const {
