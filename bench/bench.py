@@ -10,13 +10,15 @@ import sys
 sys.dont_write_bytecode = True
 
 import cleanup
+import duplicates
 import gate
 import measuring
 import scan
 import search
 import store
 
-BENCHES = {"cleanup": cleanup.run, "scan": scan.run, "store": store.run, "search": search.run}
+BENCHES = {"cleanup": cleanup.run, "scan": scan.run, "store": store.run, "search": search.run,
+           "duplicates": duplicates.run}
 CHECKS = {"gate": gate.run}  # told by their exit status, and not a part of everything
 
 TOP = pathlib.Path(__file__).resolve().parent.parent
@@ -35,7 +37,7 @@ def main():
     options.add_argument("--peer", action="store_true", help="cleanup: install another program with npm, too")
     options.add_argument("--large", action="store_true", help="scan: a tree of 2,000,000 files, too")
     options.add_argument("--three-workers", action="store_true", help="scan: with three workers, too")
-    options.add_argument("--cold", action="store_true", help="scan: with emptied caches, too; root alone can")
+    options.add_argument("--cold", action="store_true", help="scan, duplicates: with emptied caches, too; root alone can")
     options.add_argument("--ten-million", action="store_true", help="scan: once a tree of 10,000,000 files, too")
     options.add_argument("--build", type=pathlib.Path, default=TOP / "build/release", help="a folder of a release build")
     wanted = options.parse_args()

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
-#include <map>
+#include <set>
 #include <unordered_map>
 #include <utility>
 
@@ -94,17 +94,18 @@ class FilesOnDisk {
  public:
   FilesOnDisk(const FileReader& reader, const ContentReader& contents) : reader_(reader), contents_(contents) {}
 
-  /// As scanned, and met under no other name before.
-  bool isUsable(const FileEntry& entry) {
+  /// How many bytes the file holds, where it is as scanned and was met under no other name before. Not the blocks: of
+  /// two equal files the one in more pieces has more of them.
+  std::optional<std::int64_t> length(const FileEntry& entry) {
     const auto found = reader_.attributes(entry.url.path, LinkPolicy::refuse);
-    if (!found || !isAsScanned(entry, found->identity, found->allocatedBytes, found->modified)) {
-      return false;
+    if (!found || !isAsScanned(entry, found->identity, found->allocatedBytes, found->modified) ||
+        !known_.insert(found->identity).second) {
+      return std::nullopt;
     }
-    const auto [known, isNew] = pathsByIdentity_.try_emplace(found->identity, entry.url.path);
     if (found->linkCount >= 2) {
       linked_.insert(entry.url.path);
     }
-    return isNew || known->second == entry.url.path;
+    return found->length;
   }
 
   /// It has further names, so its removal frees nothing.
@@ -124,18 +125,21 @@ class FilesOnDisk {
  private:
   const FileReader& reader_;
   const ContentReader& contents_;
-  std::map<FileIdentity, std::string> pathsByIdentity_;
+  std::set<FileIdentity> known_;
   std::set<std::string, std::less<>> linked_;
 };
 
 }  // namespace
 
 std::vector<DuplicateGroup> DuplicateFinder::groups(std::span<const FileEntry> entries, const CanMove& canMove,
-                                                    const Digest& partialDigest, const Digest& fullDigest,
-                                                    const std::stop_token& stop) {
+                                                    const Size& sizeOf, const Digest& partialDigest,
+                                                    const Digest& fullDigest, const std::stop_token& stop) {
+  std::unordered_map<const FileEntry*, std::int64_t> sizes;
   Files candidates;
   for (const FileEntry& entry : entries) {
-    if (isCandidate(entry, canMove)) {
+    const auto size = isCandidate(entry, canMove) ? sizeOf(entry) : std::nullopt;
+    if (size) {
+      sizes.emplace(&entry, *size);
       candidates.push_back(&entry);
     }
   }
@@ -146,7 +150,8 @@ std::vector<DuplicateGroup> DuplicateFinder::groups(std::span<const FileEntry> e
   };
   std::vector<DuplicateGroup> groups;
   std::vector<Files> alike;
-  for (const auto& [size, files] : sharing<std::int64_t>(candidates, [](const FileEntry& e) { return e.byteCount; })) {
+  for (const auto& [size, files] :
+       sharing<std::int64_t>(candidates, [&](const FileEntry& entry) { return sizes.at(&entry); })) {
     for (auto& [digest, sharers] : hashed(files, partialDigest)) {
       alike.push_back(std::move(sharers));
     }
@@ -178,15 +183,13 @@ std::vector<DuplicateGroup> DuplicateFinder::find(std::span<const FileEntry> ent
   FilesOnDisk disk(reader_, contents_);
   const auto digestOf = [&](DigestKind kind) -> Digest {
     return [&, kind](const FileEntry& entry) -> std::optional<std::string> {
-      if (!disk.isUsable(entry)) {
-        return std::nullopt;
-      }
       const auto compute = [&] { return disk.digest(entry, kind, stop); };
       return usesCache ? cache.hash(entry, kind, compute) : compute();
     };
   };
   auto found = groups(
-      entries, [this](const FileEntry& entry) { return gate_.canMoveToTrash(entry); }, digestOf(DigestKind::partial),
+      entries, [this](const FileEntry& entry) { return gate_.canMoveToTrash(entry); },
+      [&](const FileEntry& entry) { return disk.length(entry); }, digestOf(DigestKind::partial),
       digestOf(DigestKind::full), stop);
   if (usesCache && !stop.stop_requested() && files_.makeFolders(places_.support)) {
     // A cache that can't be kept costs time alone.

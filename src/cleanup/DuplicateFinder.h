@@ -37,9 +37,11 @@ class DuplicateFinder {
   /// A digest of a file; none where it can't be had.
   using Digest = std::function<std::optional<std::string>(const FileEntry& entry)>;
   using CanMove = std::function<bool(const FileEntry& entry)>;
+  /// By what files are told apart before any is opened; none for a file that isn't as it was scanned.
+  using Size = std::function<std::optional<std::int64_t>(const FileEntry& entry)>;
   /// The rule itself, without a disk.
   static std::vector<DuplicateGroup> groups(std::span<const FileEntry> entries, const CanMove& canMove,
-                                            const Digest& partialDigest, const Digest& fullDigest,
+                                            const Size& sizeOf, const Digest& partialDigest, const Digest& fullDigest,
                                             const std::stop_token& stop);
 
  private:

@@ -33,6 +33,7 @@ struct FileAttributes {
   FileIdentity identity;
   std::uint32_t linkCount = 0;
   std::uint32_t owner = 0;          ///< user id
+  std::int64_t length = 0;          ///< how many bytes a file holds
   std::int64_t allocatedBytes = 0;  ///< blocks of 512 bytes times 512
   Date modified;
   bool isUnchangeable = false;  ///< marked immutable or append-only

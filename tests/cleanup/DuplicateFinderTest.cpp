@@ -81,7 +81,9 @@ struct Rule {
     };
     const auto canMove = [](const FileEntry& entry) { return !entry.url.path.starts_with("/no/"); };
     std::vector<std::string> lines;
-    for (const auto& group : DuplicateFinder::groups(entries, canMove, digest(false), digest(true), stop.get_token())) {
+    for (const auto& group : DuplicateFinder::groups(
+             entries, canMove, [](const FileEntry& entry) { return entry.byteCount; }, digest(false), digest(true),
+             stop.get_token())) {
       std::string line = group.id + (group.sameFolder ? " together: " : ": ") + group.keep.url.path;
       for (const FileEntry& extra : group.extras) {
         line += " < " + extra.url.path;

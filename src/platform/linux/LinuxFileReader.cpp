@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <chrono>
 #include <climits>
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
 #include <string>
@@ -93,7 +94,8 @@ SystemResult<Foothold> approach(std::string_view path) {
 }
 
 SystemResult<FileAttributes> attributesAt(int folder, const char* name, int flags) {
-  constexpr unsigned wanted = STATX_TYPE | STATX_INO | STATX_NLINK | STATX_UID | STATX_BLOCKS | STATX_MTIME;
+  constexpr unsigned wanted =
+      STATX_TYPE | STATX_INO | STATX_NLINK | STATX_UID | STATX_SIZE | STATX_BLOCKS | STATX_MTIME;
   struct statx found{};
   if (::statx(folder, name, flags | AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC, wanted, &found) != 0) {
     return failure(errno);
@@ -102,6 +104,7 @@ SystemResult<FileAttributes> attributesAt(int folder, const char* name, int flag
       .identity = identityOf(found),
       .linkCount = found.stx_nlink,
       .owner = found.stx_uid,
+      .length = static_cast<std::int64_t>(std::min<std::uint64_t>(found.stx_size, INT64_MAX)),
       .allocatedBytes = static_cast<std::int64_t>(found.stx_blocks) * 512,
       .modified = dateOf(found.stx_mtime),
       .isUnchangeable = isUnchangeable(found),
