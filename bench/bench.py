@@ -13,12 +13,13 @@ import cleanup
 import duplicates
 import gate
 import measuring
+import plan
 import scan
 import search
 import store
 
 BENCHES = {"cleanup": cleanup.run, "scan": scan.run, "store": store.run, "search": search.run,
-           "duplicates": duplicates.run}
+           "duplicates": duplicates.run, "plan": plan.run}
 CHECKS = {"gate": gate.run}  # told by their exit status, and not a part of everything
 
 TOP = pathlib.Path(__file__).resolve().parent.parent

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <numeric>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -12,12 +12,16 @@ namespace lumenary {
 /// be compiled without a warning.)
 template <class Item, class Key>
 std::vector<Item> stableSorted(std::vector<Item> items, Key key) {
-  std::vector<std::size_t> order(items.size());
-  std::iota(order.begin(), order.end(), 0);
-  std::ranges::sort(order, {}, [&](std::size_t index) { return std::pair(key(items[index]), index); });
+  // Each key is made once: it may cost more than a comparison.
+  std::vector<std::pair<std::decay_t<std::invoke_result_t<Key&, const Item&>>, std::size_t>> order;
+  order.reserve(items.size());
+  for (std::size_t index = 0; index < items.size(); ++index) {
+    order.emplace_back(key(std::as_const(items[index])), index);
+  }
+  std::ranges::sort(order);
   std::vector<Item> sorted;
   sorted.reserve(items.size());
-  for (const std::size_t index : order) {
+  for (const auto& [sortedBy, index] : order) {
     sorted.push_back(std::move(items[index]));
   }
   return sorted;

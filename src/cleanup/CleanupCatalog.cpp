@@ -52,9 +52,25 @@ std::string_view cacheFolder(std::string_view relative) {
   return {};
 }
 
+/// The rules for what may stand at any depth. Dependencies count before worktrees, whichever stands further out.
+const Rule* ruleAnywhere(std::string_view path) {
+  const Rule* found = nullptr;
+  for (std::size_t at = path.find('/'); at != std::string_view::npos; at = path.find('/', at + 1)) {
+    const std::string_view rest = path.substr(at + 1);
+    if (rest.starts_with("node_modules")) {
+      return &nodeModules;
+    }
+    if (rest.starts_with(".claude/worktrees/") || rest.starts_with(".codex/worktrees/")) {
+      found = &agentWorktrees;
+    }
+  }
+  return found;
+}
+
 const Rule* homeRule(std::string_view relative) {
   for (const CatalogRow& row : homeRules()) {
-    if (isSameOrInside(relative, row.prefix)) {
+    // Most rows fall out by one byte.
+    if (row.prefix.front() == relative.front() && isSameOrInside(relative, row.prefix)) {
       return &row.rule;
     }
   }
@@ -98,15 +114,12 @@ const Rule* CleanupCatalog::match(std::string_view path, std::string_view home) 
   if (name.starts_with("._") || name == ".ds_store") {
     return &finderLeftover;
   }
-  if (lowered.contains("/node_modules")) {
-    return &nodeModules;
-  }
-  if (lowered.contains("/.claude/worktrees/") || lowered.contains("/.codex/worktrees/")) {
-    return &agentWorktrees;
+  if (const Rule* rule = ruleAnywhere(lowered)) {
+    return rule;
   }
   const bool isInHome = lowered.starts_with(loweredHome);
   const std::string_view relative = isInHome ? lowered.substr(loweredHome.size()) : std::string_view();
-  if (const Rule* rule = isInHome ? homeRule(relative) : nullptr) {
+  if (const Rule* rule = !relative.empty() ? homeRule(relative) : nullptr) {
     return rule;
   }
   const LinuxMatch onLinux = matchLinuxRows(path, home);

@@ -1,6 +1,11 @@
 #include "cleanup/LinuxCatalog.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <iterator>
+#include <limits>
+#include <memory>
+#include <utility>
 #include <vector>
 
 #include "base/Path.h"
@@ -8,15 +13,7 @@
 namespace lumenary {
 namespace {
 
-enum class Anchor : std::uint8_t { home, root, anywhere };
-
-/// A row's pattern without braces, cut into its components.
-struct Pattern {
-  const LinuxRow* row = nullptr;
-  CleanupCatalog::Verdict verdict = CleanupCatalog::Verdict::keep;
-  Anchor anchor = Anchor::home;
-  std::vector<std::string> components;
-};
+using Verdict = CleanupCatalog::Verdict;
 
 /// Each text that the first pair of braces stands for, and so on for the next.
 void expandBraces(const std::string& text, std::vector<std::string>& out) {
@@ -41,118 +38,142 @@ std::string_view takeComponent(std::string_view& rest) {
   return component;
 }
 
-Pattern compile(const LinuxRow& row, std::string_view text) {
-  Pattern pattern{.row = &row, .verdict = verdictOf(row), .anchor = Anchor::root, .components = {}};
-  if (text.starts_with("~/")) {
-    pattern.anchor = Anchor::home;
-    text.remove_prefix(2);
-  } else if (text.starts_with("**/")) {
-    pattern.anchor = Anchor::anywhere;
-    text.remove_prefix(3);
-  } else {
-    text.remove_prefix(1);
-  }
-  while (!text.empty()) {
-    pattern.components.emplace_back(takeComponent(text));
-  }
-  return pattern;
-}
-
-const std::vector<Pattern>& patterns() {
-  static const std::vector<Pattern> compiled = [] {
-    std::vector<Pattern> all;
-    for (const LinuxRow& row : linuxRows()) {
-      std::vector<std::string> texts;
-      expandBraces(std::string(row.pattern), texts);
-      for (const std::string& text : texts) {
-        all.push_back(compile(row, text));
-      }
-    }
-    return all;
-  }();
-  return compiled;
-}
-
 /// A "*" may stand once in a component.
-bool fitsComponent(std::string_view pattern, std::string_view component) {
+bool fitsStarred(std::string_view pattern, std::string_view component) {
   const std::size_t star = pattern.find('*');
-  if (star == std::string_view::npos) {
-    return pattern == component;
-  }
   return component.size() + 1 >= pattern.size() && component.starts_with(pattern.substr(0, star)) &&
          component.ends_with(pattern.substr(star + 1));
 }
 
-enum class Fit : std::uint8_t {
-  none,
-  inside,  ///< the path is what the pattern speaks of, or lies in it
-  around,  ///< the path is a folder in which that would lie
+/// A folder of the patterns, with what they say below it. A path is followed down from the top: it costs a look at each
+/// of its components, not at each row.
+class PatternTree {
+ public:
+  static constexpr std::size_t none = std::numeric_limits<std::size_t>::max();
+
+  /// What the patterns below this folder say of a path below it.
+  struct Found {
+    std::size_t row = none;  ///< the first in the table
+    std::string_view starred;
+    bool holdsReview = false;
+    bool holdsKept = false;
+  };
+
+  void add(std::string_view pattern, std::size_t row, Verdict verdict) {
+    if (pattern.empty()) {
+      row_ = std::min(row_, row);
+      return;
+    }
+    holdsReview_ = holdsReview_ || verdict == Verdict::review;
+    holdsKept_ = holdsKept_ || verdict == Verdict::keep;
+    const std::string_view component = takeComponent(pattern);
+    auto& children = component.contains('*') ? starred_ : named_;
+    auto place = std::ranges::lower_bound(children, component, {}, nameOf);
+    if (place == children.end() || nameOf(*place) != component) {
+      place = children.insert(place, {std::string(component), std::make_unique<PatternTree>()});
+    }
+    place->second->add(pattern, row, verdict);
+  }
+
+  void find(std::string_view path, std::string_view starred, Found& found) const {
+    if (row_ < found.row) {
+      found.row = row_;
+      found.starred = starred;
+    }
+    if (path.empty()) {
+      found.holdsReview = found.holdsReview || holdsReview_;
+      found.holdsKept = found.holdsKept || holdsKept_;
+      return;
+    }
+    const std::string_view component = takeComponent(path);
+    const auto place = std::ranges::lower_bound(named_, component, {}, nameOf);
+    if (place != named_.end() && nameOf(*place) == component) {
+      place->second->find(path, starred, found);
+    }
+    for (const auto& [pattern, tree] : starred_) {
+      if (fitsStarred(pattern, component)) {
+        tree->find(path, starred.empty() ? component : starred, found);
+      }
+    }
+  }
+
+  /// The names of the folders right below, no starred ones.
+  std::vector<std::string_view> names() const {
+    std::vector<std::string_view> names;
+    std::ranges::transform(named_, std::back_inserter(names), nameOf);
+    return names;
+  }
+
+ private:
+  using Child = std::pair<std::string, std::unique_ptr<PatternTree>>;
+
+  static std::string_view nameOf(const Child& child) { return child.first; }
+
+  std::vector<Child> named_;    ///< sorted
+  std::vector<Child> starred_;  ///< by a pattern
+  std::size_t row_ = none;
+  bool holdsReview_ = false;  ///< somewhere below
+  bool holdsKept_ = false;
 };
 
-/// `relative` has no slash in front and isn't empty.
-Fit fit(const Pattern& pattern, std::string_view relative, std::string_view& starred) {
-  for (const std::string& expected : pattern.components) {
-    if (relative.empty()) {
-      return Fit::around;
-    }
-    const std::string_view component = takeComponent(relative);
-    if (!fitsComponent(expected, component)) {
-      return Fit::none;
-    }
-    if (starred.empty() && expected.contains('*')) {
-      starred = component;
-    }
-  }
-  return Fit::inside;
-}
+struct Patterns {
+  PatternTree home;
+  PatternTree root;
+  PatternTree anywhere;
+  std::vector<std::string_view> anywhereNames;  ///< by which those at any depth begin
+};
 
-/// The pattern is tried from each component of the path on.
-Fit fitAnywhere(const Pattern& pattern, std::string_view path, std::string_view& starred) {
-  const std::string_view first = pattern.components.front();
-  for (std::size_t at = path.find(first); at != std::string_view::npos; at = path.find(first, at + 1)) {
-    const Fit found = at > 0 && path[at - 1] == '/' ? fit(pattern, path.substr(at), starred) : Fit::none;
-    if (found != Fit::none) {
-      return found;
+const Patterns& patterns() {
+  static const Patterns compiled = [] {
+    Patterns made;
+    const std::span<const LinuxRow> rows = linuxRows();
+    for (std::size_t row = 0; row < rows.size(); ++row) {
+      std::vector<std::string> texts;
+      expandBraces(std::string(rows[row].pattern), texts);
+      for (const std::string_view text : texts) {
+        const std::size_t slash = text.find('/');
+        PatternTree& tree = text.starts_with('~') ? made.home : text.starts_with('*') ? made.anywhere : made.root;
+        tree.add(text.substr(slash + 1), row, verdictOf(rows[row]));
+      }
     }
-  }
-  return Fit::none;
+    made.anywhereNames = made.anywhere.names();
+    return made;
+  }();
+  return compiled;
 }
 
 }  // namespace
 
-CleanupCatalog::Verdict verdictOf(const LinuxRow& row) {
+Verdict verdictOf(const LinuxRow& row) {
   const auto* rule = std::get_if<CleanupCatalog::Rule>(&row.rule);
   return rule == nullptr ? std::get<LinuxRow::Template>(row.rule)("").verdict : rule->verdict;
 }
 
 LinuxMatch matchLinuxRows(std::string_view path, std::string_view home) {
-  LinuxMatch match;
-  const bool isInHome = path.size() > home.size() + 1 && isSameOrInside(path, home);
-  const std::string_view relative = isInHome ? path.substr(home.size() + 1) : std::string_view();
-  for (const Pattern& pattern : patterns()) {
-    Fit found = Fit::none;
-    std::string_view starred;
-    if (pattern.anchor == Anchor::anywhere) {
-      found = fitAnywhere(pattern, path, starred);
-    } else if (pattern.anchor == Anchor::root) {
-      found = path.size() > 1 ? fit(pattern, path.substr(1), starred) : Fit::around;
-    } else if (isInHome) {
-      found = fit(pattern, relative, starred);
-    }
-    if (found == Fit::inside) {
-      return {.row = pattern.row, .starred = starred, .holdsReview = match.holdsReview, .holdsKept = match.holdsKept};
-    }
-    if (found == Fit::around) {
-      match.holdsReview = match.holdsReview || pattern.verdict == CleanupCatalog::Verdict::review;
-      match.holdsKept = match.holdsKept || pattern.verdict == CleanupCatalog::Verdict::keep;
+  const Patterns& known = patterns();
+  PatternTree::Found found;
+  if (path.starts_with('/')) {
+    known.root.find(path.substr(1), {}, found);
+  }
+  if (path.size() > home.size() + 1 && isSameOrInside(path, home)) {
+    known.home.find(path.substr(home.size() + 1), {}, found);
+  }
+  for (const std::string_view name : known.anywhereNames) {
+    for (std::size_t at = path.find(name); at != std::string_view::npos; at = path.find(name, at + 1)) {
+      if (at > 0 && path[at - 1] == '/') {
+        known.anywhere.find(path.substr(at), {}, found);
+      }
     }
   }
-  return match;
+  return {.row = found.row == PatternTree::none ? nullptr : &linuxRows()[found.row],
+          .starred = found.starred,
+          .holdsReview = found.holdsReview,
+          .holdsKept = found.holdsKept};
 }
 
 bool mustStayOnLinux(std::string_view path, std::string_view home) {
   const LinuxMatch match = matchLinuxRows(path, home);
-  return match.holdsKept || (match.row != nullptr && verdictOf(*match.row) == CleanupCatalog::Verdict::keep);
+  return match.holdsKept || (match.row != nullptr && verdictOf(*match.row) == Verdict::keep);
 }
 
 }  // namespace lumenary

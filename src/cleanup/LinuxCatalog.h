@@ -28,8 +28,7 @@ std::span<const LinuxRow> linuxRows();
 struct LinuxMatch {
   const LinuxRow* row = nullptr;  ///< the first that fits; null where none does
   std::string_view starred;       ///< the component of the path that its first "*" fitted
-  /// No row fits, but what one speaks of may lie inside the path. A folder goes as a whole: it can't be called
-  /// rebuildable then.
+  /// What a row speaks of may lie inside the path. A folder goes as a whole: it can't be called rebuildable then.
   bool holdsReview = false;
   bool holdsKept = false;
 };

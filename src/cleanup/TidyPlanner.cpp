@@ -11,7 +11,7 @@
 #include "base/Path.h"
 #include "base/StableSort.h"
 #include "base/Text.h"
-#include "cleanup/FoldersByDepth.h"
+#include "cleanup/TakenFolders.h"
 #include "storage/StorageIndex.h"
 
 namespace lumenary {
@@ -94,11 +94,13 @@ class TidyPlanner::Draft {
   Draft(const TidyPlanner& planner, std::string home) : planner_(planner), home_(std::move(home)) {}
 
   void addFolders(const FolderByteTotals& totals, bool includeBuildFiles) {
-    for (const FolderByteTotals::Folder* folder : shortestFirst(totals)) {
-      if (isWorthNaming(*folder) && !isCovered(folder->path)) {
-        addFolder(*folder, includeBuildFiles);
+    TakenFolders taken;
+    for (const FolderByteTotals::Folder& folder : totals) {
+      if (isWorthNaming(folder) && !taken.cover(folder.path) && addFolder(folder, includeBuildFiles)) {
+        taken.take(folder.path);
       }
     }
+    items_ = stableSorted(std::move(items_), [](const TidyItem& item) { return characterCount(item.entry.url.path); });
   }
 
   void addDuplicates(std::span<const DuplicateGroup> groups) {
@@ -149,25 +151,27 @@ class TidyPlanner::Draft {
            (folder.bytes >= smallestCache && std::ranges::any_of(cacheRoots, isInside));
   }
 
-  void addFolder(const FolderByteTotals::Folder& folder, bool includeBuildFiles) {
+  bool addFolder(const FolderByteTotals::Folder& folder, bool includeBuildFiles) {
     const auto* rule = planner_.catalog_.match(folder.path, home_);
     if (rule == nullptr || rule->verdict != CleanupCatalog::Verdict::rebuildable) {
-      return;
+      return false;
     }
     const bool isBuildOutput =
         folder.path.contains("/node_modules") || loweredASCII(folder.path).contains("/deriveddata");
     if (isBuildOutput && !includeBuildFiles) {
-      return;
+      return false;
     }
     const StorageNode node{.path = folder.path,
                            .name = std::string(lastPathComponent(folder.path)),
                            .byteCount = folder.bytes,
                            .file = {}};
     FileEntry entry = node.asEntry();
-    if (planner_.gate_.canMoveToTrash(entry)) {
+    const bool mayGo = planner_.gate_.canMoveToTrash(entry);
+    if (mayGo) {
       add({std::move(entry), isBuildOutput ? TidyItem::Kind::buildFiles : TidyItem::Kind::cache, rule->title,
            rule->ifRemoved});
     }
+    return mayGo;
   }
 
   void add(TidyItem item) {
@@ -175,7 +179,7 @@ class TidyPlanner::Draft {
     items_.push_back(std::move(item));
   }
 
-  bool isCovered(std::string_view path) const { return isAnyAround(path, picked_); }
+  bool isCovered(std::string_view path) const { return picked_.holdsAround(path); }
 
   bool isProject(std::string_view folder) {
     const auto known = projects_.find(folder);
