@@ -20,10 +20,14 @@ def run(programs, _options):
     told = [json.loads(line) for line in done.stdout.splitlines()]
     print(f"### Plan: a scan of 20,000 files and 30,000 folders, {ROUNDS} rounds\n")
     print(table(["", "answers", "median", "longest", "instructions", "disk look-ups"],
-                [[NAMES[one["what"]], f"{one['answers']:,}", duration(statistics.median(one["times"]) / 1e9),
-                  duration(max(one["times"]) / 1e9), instructions(tool, one),
+                [[NAMES[one["what"]], f"{one['answers']:,}", shown(statistics.median(one["times"])),
+                  shown(max(one["times"])), instructions(tool, one),
                   f"{one['pathsAsked']:,}, each {one['mostOften']} time" if one["pathsAsked"] else "none"]
                  for one in told]))
+
+
+def shown(nanoseconds):
+    return f"{nanoseconds:.0f} ns" if nanoseconds < 10_000 else duration(nanoseconds / 1e9)
 
 
 def instructions(tool, one):

@@ -16,6 +16,7 @@
 
 #include "MadeScan.h"
 #include "base/JsonWriter.h"
+#include "base/Path.h"
 #include "cleanup/LookFirstGroup.h"
 #include "cleanup/TidyPlanner.h"
 
@@ -61,20 +62,30 @@ class NoApps final : public AppNames {
   std::optional<std::string> nameOf(std::string_view) const override { return std::nullopt; }
 };
 
+Places placesOfPerson() {
+  Places places;
+  places.home = home;
+  places.dataHome = home + "/.local/share";
+  places.configHome = home + "/.config";
+  places.cacheHome = home + "/.cache";
+  places.stateHome = home + "/.local/state";
+  return places;
+}
+
 /// The made scan, half of its folders put where caches, projects and apps have theirs, and a quarter of its files in
 /// Documents as copies.
 struct Question {
   Question() {
-    places.home = home;
-    places.dataHome = home + "/.local/share";
-    places.configHome = home + "/.config";
-    places.cacheHome = home + "/.cache";
-    places.stateHome = home + "/.local/state";
     constexpr std::array around = {"/.cache/browser/Default",  "/Library/Caches/com.maker.app",
                                    "/code/app/node_modules",   "/.cargo/registry/src",
-                                   "/.config/Code/Cache",      "/Documents/notes",
+                                   "/.codex/sessions",         "/Documents/notes",
                                    "/.local/share/containers", "/.var/app/org.maker.App/cache"};
     std::vector<FolderByteTotals::Folder> folders;
+    for (const std::string_view place : around) {
+      for (std::string path = home + std::string(place); path != home; path = parentPath(path)) {
+        folders.push_back({path, std::int64_t{1} << 33});
+      }
+    }
     for (const auto& folder : *result.folderByteTotals) {
       const std::size_t index = folders.size();
       const std::string below = folder.path.substr(home.size());
@@ -112,7 +123,7 @@ struct Question {
     return what == "gate" ? result.entries.size() : what == "catalog" ? result.folderByteTotals->size() : 1;
   }
 
-  Places places;
+  Places places = placesOfPerson();
   NoDisk disk;
   NoMounts mounts;
   NoApps apps;
