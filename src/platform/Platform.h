@@ -12,6 +12,7 @@
 #include "platform/MountTable.h"
 #include "platform/PerfProbe.h"
 #include "platform/Places.h"
+#include "platform/Session.h"
 #include "platform/Terminal.h"
 #include "platform/Trash.h"
 #include "platform/TrashBin.h"
@@ -31,6 +32,7 @@ struct Platform {
   std::unique_ptr<TrashBin> trashBin;
   std::unique_ptr<AppNames> appNames;
   std::unique_ptr<Defaults> defaults;
+  std::unique_ptr<Session> session;
   std::unique_ptr<Terminal> terminal;
   std::unique_ptr<Interruption> interruption;
   std::function<Date()> now;

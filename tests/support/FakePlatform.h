@@ -50,6 +50,7 @@ class FakeDefaults final : public Defaults {
  public:
   std::map<std::string, std::string> values;
   std::string failure;
+  int writeFailure = 0;
 
   std::expected<std::optional<std::string>, std::string> string(const std::string& key) const override {
     if (!failure.empty()) {
@@ -59,6 +60,9 @@ class FakeDefaults final : public Defaults {
     return value == values.end() ? std::nullopt : std::optional(value->second);
   }
   SystemResult<void> setString(const std::string& key, std::string_view value) override {
+    if (writeFailure != 0) {
+      return std::unexpected(SystemError{writeFailure});
+    }
     values[key] = value;
     return {};
   }

@@ -15,6 +15,7 @@
 #include "platform/linux/LinuxKernel.h"
 #include "platform/linux/LinuxMountTable.h"
 #include "platform/linux/LinuxPlaces.h"
+#include "platform/linux/LinuxSession.h"
 #include "platform/linux/LinuxTerminal.h"
 #include "platform/linux/LinuxTrash.h"
 #include "platform/linux/LinuxTrashBin.h"
@@ -54,6 +55,8 @@ Platform makePlatform() {
   platform.trashBin = std::make_unique<LinuxTrashBin>(kernel, *platform.reader, *platform.mountTable, places, 4);
   platform.appNames = std::make_unique<LinuxAppNames>(applicationFolders(environment, places));
   platform.defaults = std::make_unique<LinuxDefaults>(*platform.files, places.defaultsFile);
+  const char* const display = environment("DISPLAY");
+  platform.session = std::make_unique<LinuxSession>(display == nullptr ? "" : display, "/proc/asound");
   platform.terminal = std::make_unique<LinuxTerminal>();
   platform.now = [] { return std::chrono::floor<Date::duration>(std::chrono::system_clock::now()); };
   platform.probe = PerfProbe::of(std::getenv("LUMENARY_BENCH"), std::getenv("LUMENARY_OFF"));
