@@ -12,6 +12,7 @@ sys.dont_write_bytecode = True
 import cleanup
 import duplicates
 import gate
+import home
 import measuring
 import plan
 import scan
@@ -20,7 +21,7 @@ import store
 
 BENCHES = {"cleanup": cleanup.run, "scan": scan.run, "store": store.run, "search": search.run,
            "duplicates": duplicates.run, "plan": plan.run}
-CHECKS = {"gate": gate.run}  # told by their exit status, and not a part of everything
+CHECKS = {"gate": gate.run, "home": home.run}  # not a part of everything
 
 TOP = pathlib.Path(__file__).resolve().parent.parent
 

@@ -71,7 +71,7 @@ std::vector<InUseMarker> makeLinuxInUseMarkers() {
       {"Shader cache", {"/steamapps/common/", "/ubuntu12_32/steam"}},
       {"Go build cache", {"/go/bin/go ", "/bin/go build", "/go-build"}},
       {"Bazel cache", {"A-server.jar", "bazel(", "/.cache/bazel/"}},
-      {"sccache cache", {"/sccache", "SCCACHE_"}},
+      {"Compiler cache", {"/sccache", "SCCACHE_"}},
       {"Rust crates cache", {"/bin/cargo ", "/bin/cargo\n"}},
       {"Cargo Git cache", {"/bin/cargo ", "/bin/cargo\n"}},
   };

@@ -127,7 +127,9 @@ const Rule* CleanupCatalog::match(std::string_view path, std::string_view home) 
     const auto* rule = std::get_if<Rule>(&onLinux.row->rule);
     return rule != nullptr ? rule : named(onLinux.starred, std::get<LinuxRow::Template>(onLinux.row->rule));
   }
-  if (relative.starts_with("downloads/") && isInstallerExtension(pathExtension(name))) {
+  const bool isDownload = relative.starts_with("downloads/") ||
+                          (!downloads_.empty() && path.size() > downloads_.size() && isSameOrInside(path, downloads_));
+  if (isDownload && isInstallerExtension(pathExtension(name))) {
     return &installer;
   }
   const std::string_view folder = cacheFolder(relative);

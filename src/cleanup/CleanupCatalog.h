@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "platform/AppNames.h"
 
@@ -34,8 +35,10 @@ class CleanupCatalog {
     bool operator==(const Rule&) const = default;
   };
 
-  /// `apps` must outlive the value.
-  explicit CleanupCatalog(const AppNames& apps) : apps_(apps) {}
+  /// `apps` must outlive the value. `downloads` is the person's folder for downloads where it isn't "~/Downloads", or
+  /// empty.
+  explicit CleanupCatalog(const AppNames& apps, std::string downloads = {})
+      : apps_(apps), downloads_(std::move(downloads)) {}
 
   /// The rule for an absolute path, which needn't exist, and for the home folder in which it may lie; null where none
   /// is known. Asks `apps` only for folders of caches and of apps. The rule lives as long as the catalog. From any
@@ -47,6 +50,7 @@ class CleanupCatalog {
   const Rule* named(std::string_view folder, Rule (*make)(const std::string& name)) const;
 
   const AppNames& apps_;
+  std::string downloads_;
   mutable std::mutex lock_;
   /// The rules that carry an app's name, by the way they are made and by the folder's name.
   mutable std::map<std::pair<Rule (*)(const std::string&), std::string>, std::unique_ptr<const Rule>> named_;

@@ -23,13 +23,13 @@ Rule shaderCache(const std::string& maker) {
           "Prepared again as you play or work; that may stutter at first."};
 }
 
-Rule buildCache(const std::string& name, const std::string& ownPurge) {
-  return {name + " cache",
-          name,
+Rule buildCache(std::string title, std::string madeBy, std::string ownPurge) {
+  return {std::move(title),
+          std::move(madeBy),
           "Results of earlier builds, kept so the next one is faster.",
           rebuildable,
           "The next build takes longer, once.",
-          ownPurge};
+          std::move(ownPurge)};
 }
 
 Rule downloads(Rule rule, std::string ownPurge) {
@@ -108,12 +108,21 @@ Rule electronFolder(const std::string& name) {
   return name.empty() ? rules::appCache(name) : rules::electronCache(name);
 }
 
+/// An app that has a name is installed: its data is in use.
 Rule flatpakData(const std::string& name) {
-  return {name.empty() ? "Flatpak app data" : name + " data",
-          name.empty() ? "A Flatpak app" : name,
+  if (!name.empty()) {
+    return {name + " data",
+            name,
+            "Settings, logins and files that " + name + " keeps.",
+            keep,
+            name + " starts as new; what it kept is lost.",
+            "Clear what you don't need in " + name + " itself."};
+  }
+  return {"Flatpak app data",
+          "A Flatpak app",
           "Settings, logins and files that an app from Flatpak keeps.",
           review,
-          "The app starts as new, if it is still installed; what it kept is lost.",
+          "What the app kept is lost; if it is still installed, it starts as new.",
           "Run flatpak uninstall --delete-data to remove the data of apps that are gone."};
 }
 
@@ -208,11 +217,11 @@ std::span<const LinuxRow> linuxRows() {
             "Empty the Trash to get the space back.", "Use the Empty Trash button here, or your file manager."}},
 
       // What development tools download and make.
-      {"~/.cache/go-build", buildCache("Go build", "go clean -cache does the same.")},
-      {"~/{.cache/ccache,.ccache}", buildCache("ccache", "ccache --clear does the same.")},
-      {"~/.cache/sccache", buildCache("sccache", "Stop its server first: sccache --stop-server.")},
-      {"~/.cache/bazel", buildCache("Bazel", "bazel clean --expunge does it for one project.")},
-      {"~/.cache/zig", buildCache("Zig", "Close running builds first.")},
+      {"~/.cache/go-build", buildCache("Go build cache", "Go", "go clean -cache does the same.")},
+      {"~/{.cache/ccache,.ccache}", buildCache("C and C++ build cache", "ccache", "ccache --clear does the same.")},
+      {"~/.cache/sccache", buildCache("Compiler cache", "sccache", "Stop its server first: sccache --stop-server.")},
+      {"~/.cache/bazel", buildCache("Bazel cache", "Bazel", "bazel clean --expunge does it for one project.")},
+      {"~/.cache/zig", buildCache("Zig cache", "Zig", "Close running builds first.")},
       {"~/.cache/pre-commit", downloads(packageCache("pre-commit cache", "pre-commit", "Downloaded checking tools."),
                                         "pre-commit clean does the same.")},
       {"~/.cache/yarn", downloads(packageCache("Yarn cache", "Yarn", "Downloaded JavaScript packages."),

@@ -94,7 +94,8 @@ bool StorageTrashGate::canMoveToTrash(const FileEntry& entry) const {
     return *answer;
   }
   const std::string home = this->home();
-  if (holdsBaseFolder(path) || mustStayOnLinux(path, home)) {
+  if (holdsBaseFolder(path) || std::ranges::find(places_.personalFolders, path) != places_.personalFolders.end() ||
+      mustStayOnLinux(path, home)) {
     return false;
   }
   if (entry.kind == FileEntry::Kind::directory && (isRegenerableRoot(path, home) || isInstalledApp(path))) {

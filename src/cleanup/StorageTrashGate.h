@@ -34,6 +34,8 @@ class StorageTrashGate {
 
   /// The person's home folder, standardised.
   std::string home() const;
+  /// The person's folders by the names that the desktop gave them.
+  const std::vector<std::string>& personalFolders() const { return places_.personalFolders; }
 
  private:
   std::optional<bool> onExternalDrive(std::string_view path) const;

@@ -47,7 +47,12 @@ bool isToolFolder(std::string_view name) {
 }
 
 /// What stands behind "HOME/ROOT/", for the first of the personal roots that fits; empty where none does.
-std::string_view belowPersonalRoot(std::string_view path, std::string_view home) {
+std::string_view belowPersonalRoot(std::string_view path, std::string_view home, std::span<const std::string> further) {
+  for (const std::string& root : further) {
+    if (path.size() > root.size() + 1 && isSameOrInside(path, root)) {
+      return path.substr(root.size() + 1);
+    }
+  }
   if (!isSameOrInside(path, home) || path.size() <= home.size()) {
     return {};
   }
@@ -70,8 +75,9 @@ std::string duplicateReason(const DuplicateGroup& group) {
 
 }  // namespace
 
-bool TidyPlanner::isPersonalCopy(std::string_view path, std::string_view home, const IsProject& isProject) {
-  const std::string_view below = belowPersonalRoot(path, home);
+bool TidyPlanner::isPersonalCopy(std::string_view path, std::string_view home, const IsProject& isProject,
+                                 std::span<const std::string> further) {
+  const std::string_view below = belowPersonalRoot(path, home, further);
   if (below.empty()) {
     return false;
   }
@@ -111,7 +117,8 @@ class TidyPlanner::Draft {
       }
       for (const FileEntry& extra : group.extras) {
         const std::string& path = extra.url.path;
-        if (isPersonalCopy(path, home_, isProject) && !isCovered(path) && planner_.gate_.canMoveToTrash(extra)) {
+        if (isPersonalCopy(path, home_, isProject, planner_.gate_.personalFolders()) && !isCovered(path) &&
+            planner_.gate_.canMoveToTrash(extra)) {
           add({extra, TidyItem::Kind::duplicate, "Duplicate copies", duplicateReason(group), group.keep});
         }
       }

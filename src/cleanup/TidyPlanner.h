@@ -33,7 +33,9 @@ class TidyPlanner {
                 std::span<const FileEntry> junk, bool includeBuildFiles, Date now) const;
 
   /// Whether a file stands among the person's own: below one of their folders, in no project, app or tool's output.
-  static bool isPersonalCopy(std::string_view path, std::string_view home, const IsProject& isProject);
+  /// `further` are folders of theirs that go by other names.
+  static bool isPersonalCopy(std::string_view path, std::string_view home, const IsProject& isProject,
+                             std::span<const std::string> further = {});
 
  private:
   class Draft;

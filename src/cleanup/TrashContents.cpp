@@ -72,6 +72,9 @@ std::string numberOf(const SystemError& cause) {
 
 TrashEmptyResult emptyTrash(TrashBin& bin, const EmptyingProgress& progress, const std::stop_token& stop) {
   const TrashEmptying emptying = bin.empty(progress, stop);
+  if (emptying.isUnreachable) {
+    return {failed, "Finder couldn't be reached."};
+  }
   if (emptying.isCancelled) {
     return failureOf(cancelledNumber);
   }

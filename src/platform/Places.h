@@ -20,6 +20,9 @@ struct Places {
   std::string homesFolder;                ///< the folder in which people have their homes
   std::vector<std::string> driveFolders;  ///< drives that a person plugs in are mounted below these
   bool hasFullDiskAccess = true;          ///< false where the system hides parts of the home folder from this program
+  /// What the desktop calls the person's folders, "~/Bilder", where they have been read; see `withUserFolders`.
+  std::vector<std::string> personalFolders{};
+  std::string downloads{};  ///< the one for downloads{}; empty where it isn't told
 
   bool operator==(const Places&) const = default;
 };

@@ -17,6 +17,7 @@ struct TrashEmptying {
   std::size_t leftCount = 0;     ///< items that are still there, whole or in part
   SystemError cause{};           ///< why the first of them is; code 0 where nothing failed
   bool isCancelled = false;
+  bool isUnreachable = false;  ///< where the Trash is couldn't be told, and nothing was begun
 
   bool operator==(const TrashEmptying&) const = default;
 };

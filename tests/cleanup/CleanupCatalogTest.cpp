@@ -69,6 +69,7 @@ TEST(CleanupCatalog, NamesPlaces) {
       {"/mnt/games/steamapps/common/Game", "Steam games", "Steam"},
       {"/mnt/games/mysteamapps/common", "", ""},
       {"~/.var/app/org.gimp.GIMP/cache/x", "GIMP cache", "GIMP"},
+      {"~/.var/app/org.gimp.GIMP/config", "GIMP data", "GIMP"},
       {"~/.var/app/org.gone.App/config", "Flatpak app data", "A Flatpak app"},
       {"~/.var/app/org.gimp.GIMP/data/Trash", "Trash of a confined app", "You"},
       {"~/OneDrive - Work/x", "OneDrive folder", "OneDrive"},
@@ -90,7 +91,7 @@ std::vector<std::string> samples(std::string pattern) {
       if (pattern.starts_with("**")) {
         pattern.replace(0, 2, "~/games");
       } else {
-        pattern.replace(star, 1, "sample");
+        pattern.replace(star, 1, "org.sample.App");
       }
     }
     return {pattern};

@@ -54,6 +54,7 @@ TEST(TrashContents, TellHowEmptyingEnded) {
       {{.removedCount = 3, .leftCount = 1, .cause = {EACCES}},
        {failed, "A file in the Trash may be locked or in use. (Finder error -13)"}},
       {{.cause = {EIO}}, {failed, "A file in the Trash may be locked or in use. (Finder error -5)"}},
+      {{.cause = {EIO}, .isUnreachable = true}, {failed, "Finder couldn't be reached."}},
       {{.cause = {ETIMEDOUT}}, {failed, tooLong}},
       {{.removedCount = 1, .leftCount = 1, .cause = {EIO}, .isCancelled = true},
        {failed, "The request was cancelled."}},

@@ -24,7 +24,7 @@ TrashEmptying LinuxTrashBin::empty(const EmptyingProgress& progress, const std::
   TrashEmptying total;
   const auto mounts = mountTable_.mounts();
   if (!mounts) {
-    return {.cause = mounts.error()};
+    return {.cause = mounts.error(), .isUnreachable = true};
   }
   const auto noteError = [&](const SystemError& error) {
     if (total.cause.code == 0) {
