@@ -6,7 +6,8 @@
 /// What letters are to people who write in any script. UTF-8 in, UTF-8 out; bytes that aren't UTF-8 stay as they are.
 namespace lumenary {
 
-/// For comparing without regard to case: Unicode's simple case folding, one character for one.
+/// For comparing without regard to case: Unicode's simple case folding, one character for one; the capital I with a
+/// dot counts as an i.
 std::string caseFolded(std::string_view text);
 
 /// The first letter of each word in upper case, the others in lower: "foo bar-baz" becomes "Foo Bar-Baz". A word ends

@@ -41,6 +41,8 @@ class DurableFiles {
   /// Waits a few seconds for the lock on `path`, which is made where it is missing. EAGAIN where another process keeps
   /// it. The lock ends with the value or with the process.
   virtual SystemResult<Descriptor> lock(const std::string& path) = 0;
+  /// The same without waiting.
+  virtual SystemResult<Descriptor> lockNow(const std::string& path) = 0;
   /// Makes a new file (EEXIST where there is one) and locks it.
   virtual SystemResult<std::unique_ptr<GrowingFile>> grow(const std::string& path) = 0;
   /// True while another process, or another value of this one, holds the lock that `grow` took. Where the file system

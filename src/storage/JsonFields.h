@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <expected>
 #include <optional>
 #include <string>
@@ -28,7 +30,8 @@ auto decodeAll(const JsonValue& array, Decode decode) {
     return elements;
   }
   elements.emplace();
-  elements->reserve(values->size());
+  // Not for all of them: what is no record may be much shorter than one.
+  elements->reserve(std::min(values->size(), std::size_t{1024}));
   for (const JsonValue& value : *values) {
     auto element = decode(value);
     if (!element) {

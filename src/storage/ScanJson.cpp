@@ -11,8 +11,8 @@
 namespace lumenary {
 namespace {
 
-// A file's modification time must fit as text of this many characters a second: about the year 292,000 either way.
-constexpr double farthestSeconds = 9.2e12;
+/// Dates reach no further, in seconds since 1970 either way.
+constexpr double endOfDates = 9'223'372'036'854;
 
 void encodeDate(JsonWriter& json, Date date, DateForm form) {
   if (form == DateForm::iso8601) {
@@ -27,7 +27,7 @@ std::optional<Date> decodeDate(const JsonValue& value, DateForm form) {
     return value.string().and_then(parseISO8601);
   }
   const std::optional<double> seconds = value.number();
-  if (!seconds || std::abs(*seconds) > farthestSeconds) {
+  if (!seconds || std::abs(*seconds) >= endOfDates) {
     return std::nullopt;
   }
   return Date(std::chrono::round<Date::duration>(std::chrono::duration<double>(*seconds)));

@@ -28,6 +28,7 @@ FileEntry entryOf(const TrackedFile& file, std::string_view folder) {
 void Listing::clear() {
   fileBytes = 0;
   itemCount = 0;
+  hasUnmeasured = false;
   subdirectories.clear();
   bigFiles.clear();
   hardlinkedFiles.clear();
@@ -41,6 +42,9 @@ FolderRange ScanState::record(const Listing& listing, FolderID folder) {
   const std::scoped_lock guard(mutex_);
   for (const std::string_view name : listing.skippedPrivate) {
     inaccessible_.push_back(appendingPathComponent(folders_.path(folder), name));
+  }
+  if (listing.hasUnmeasured) {
+    inaccessible_.push_back(folders_.path(folder));
   }
   count({.folderID = folder, .category = listing.category}, listing.fileBytes);
   itemCount_ += listing.itemCount;
@@ -114,6 +118,9 @@ StorageScanResult ScanState::makeResult(const FileURL& root) {
     entries.push_back(entryOf(file, shown.show(file.folderID)));
   }
   std::ranges::sort(inaccessible_);
+  // A large folder comes in parts.
+  const auto repeated = std::ranges::unique(inaccessible_);
+  inaccessible_.erase(repeated.begin(), repeated.end());
   lastReported_.reset();
   report(lastFolder_);
   return {.root = root,

@@ -30,6 +30,7 @@ struct Listing {
   StorageCategory category = StorageCategory::unclassified;
   std::int64_t fileBytes = 0;  ///< of the files with one name
   std::int64_t itemCount = 0;
+  bool hasUnmeasured = false;  ///< something in it could not be looked at
   std::vector<std::string_view> subdirectories;
   std::vector<TrackedFile> bigFiles;
   std::vector<HardlinkedFile> hardlinkedFiles;

@@ -36,7 +36,7 @@ struct PlainLog {
   std::size_t limit;
 
   std::vector<Record> load(bool& mayReplace) const {
-    const auto bytes = files.read(url, ScanStore::logByteLimit);
+    const auto bytes = files.read(url, ScanStore::plainLogByteLimit);
     if (!bytes) {
       mayReplace = bytes.error().isMissing();
       return {};
@@ -108,7 +108,8 @@ ScanStore::ScanStore(DurableFiles& files, std::string supportFolder, PerfProbe p
       tidyURL_(appendingPathComponent(support_, "tidy-log.json")),
       cleanupTransactionsURL_(appendingPathComponent(support_, "cleanup-transactions.json")),
       unreadableCopyURL_(appendingPathComponent(support_, unreadableCopyName)),
-      lockURL_(appendingPathComponent(support_, "cleanup-transactions.lock")) {
+      lockURL_(appendingPathComponent(support_, "cleanup-transactions.lock")),
+      scansLockURL_(appendingPathComponent(support_, "scans.lock")) {
   static_cast<void>(files_.makeFolders(support_));
 }
 

@@ -43,7 +43,8 @@ class ScanStore {
 
   static constexpr std::size_t historyLimit = 30;
   static constexpr std::size_t tidyLimit = 50;
-  static constexpr std::size_t scanByteLimit = std::size_t{1} << 30;
+  static constexpr std::size_t plainLogByteLimit = std::size_t{16} << 20;  ///< of these two
+  static constexpr std::size_t scanByteLimit = std::size_t{256} << 20;
 
   /// Makes the folder where it is missing; where that fails, later writes fail.
   ScanStore(DurableFiles& files, std::string supportFolder, PerfProbe probe = {});
@@ -89,8 +90,8 @@ class ScanStore {
     std::string fast;
   };
   ScanFiles scanFiles(std::string_view root) const;
-  std::expected<std::optional<StorageScanResult>, ScanLoadError> loadReadable(const ScanFiles& urls);
-  void saveFastWhereMissing(const ScanFiles& urls, const StorageScanResult& result);
+  /// `bytes` are those of the readable file that `result` was decoded from.
+  void saveFastWhereMissing(const ScanFiles& urls, const std::string& bytes, const StorageScanResult& result);
 
   LogState readLog();
   bool keepDamaged(const std::string& bytes);
@@ -104,6 +105,7 @@ class ScanStore {
   std::string cleanupTransactionsURL_;
   std::string unreadableCopyURL_;
   std::string lockURL_;
+  std::string scansLockURL_;
   std::mutex mutex_;      ///< one change of a log at a time
   std::mutex scanMutex_;  ///< one write of a scan at a time
 };

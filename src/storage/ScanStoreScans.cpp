@@ -3,6 +3,8 @@
 // So the fast one goes before the readable one changes: whoever is killed in between leaves a true file and no stale
 // one.
 
+#include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <utility>
@@ -37,9 +39,10 @@ std::string fileName(std::string_view root) {
     return "latest-scan";
   }
   std::string key = alphanumericsOr('-', root);
-  if (key.size() > longestKey) {
+  // The last one would be the history's name.
+  if (key.size() > longestKey || key == "-history") {
     const std::string digits = fingerprint(root);
-    key.resize(longestKey);
+    key.resize(std::min(key.size(), longestKey));
     key = alphanumericsOr('-', key) + '-' + digits;
   }
   return "scan" + key;
@@ -79,6 +82,10 @@ ScanStore::ScanFiles ScanStore::scanFiles(std::string_view root) const {
 std::expected<void, SystemError> ScanStore::save(const StorageScanResult& result) {
   const ScanFiles urls = scanFiles(result.root.path);
   const std::scoped_lock oneAtATime(scanMutex_);
+  const auto alone = files_.lock(scansLockURL_);
+  if (!alone && alone.error().code == EAGAIN) {
+    return std::unexpected(alone.error());
+  }
   static_cast<void>(files_.remove(urls.fast));
   const auto written = files_.writeAtomically(urls.readable, encodeScanResult(result, DateForm::iso8601));
   return written ? files_.writeAtomically(urls.fast, encodeScanResult(result, DateForm::secondsSince1970)) : written;
@@ -94,17 +101,6 @@ std::expected<std::optional<StorageScanResult>, ScanLoadError> ScanStore::load(s
       }
     }
   }
-  auto loaded = loadReadable(urls);
-  if (!loaded) {
-    return loaded;
-  }
-  if (const std::optional<StorageScanResult>& result = *loaded; result) {
-    saveFastWhereMissing(urls, *result);
-  }
-  return loaded;
-}
-
-std::expected<std::optional<StorageScanResult>, ScanLoadError> ScanStore::loadReadable(const ScanFiles& urls) {
   const auto bytes = files_.read(urls.readable, scanByteLimit);
   if (!bytes && bytes.error().isMissing()) {
     return std::nullopt;
@@ -116,13 +112,19 @@ std::expected<std::optional<StorageScanResult>, ScanLoadError> ScanStore::loadRe
   if (!result) {
     return std::unexpected(ScanLoadError{.system = {}, .text = result.error()});
   }
+  saveFastWhereMissing(urls, *bytes, *result);
   return *std::move(result);
 }
 
-void ScanStore::saveFastWhereMissing(const ScanFiles& urls, const StorageScanResult& result) {
+void ScanStore::saveFastWhereMissing(const ScanFiles& urls, const std::string& bytes, const StorageScanResult& result) {
   // A save that is under way brings its own, of a newer result.
   const std::unique_lock oneAtATime(scanMutex_, std::try_to_lock);
-  if (!oneAtATime) {
+  const auto alone = oneAtATime ? files_.lockNow(scansLockURL_) : std::unexpected(SystemError{EAGAIN});
+  if (!alone) {
+    return;
+  }
+  // The one that was decoded may have been replaced meanwhile, by this process or another.
+  if (files_.read(urls.readable, scanByteLimit) != bytes) {
     return;
   }
   const auto present = files_.read(urls.fast, 0);

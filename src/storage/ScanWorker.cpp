@@ -152,13 +152,16 @@ bool ScanWorker::isStill(const OpenFolder& folder, const Descriptor& opened) con
 }
 
 void ScanWorker::push(OpenFolder folder, std::span<const FolderRange> ranges) {
+  const auto add = [this](PendingFolders level) {
+    levels_.push_back(std::move(level));
+    if (levels_.size() > openLevels) {
+      levels_[levels_.size() - openLevels - 1].around.descriptor = Descriptor();
+    }
+  };
   for (const FolderRange& range : ranges.first(ranges.size() - 1)) {
-    levels_.push_back({.around = folder.closed(), .range = range});
+    add({.around = folder.closed(), .range = range});
   }
-  levels_.push_back({.around = std::move(folder), .range = ranges.back()});
-  if (levels_.size() > openLevels) {
-    levels_[levels_.size() - openLevels - 1].around.descriptor = Descriptor();
-  }
+  add({.around = std::move(folder), .range = ranges.back()});
 }
 
 void ScanWorker::list(OpenFolder folder) {
@@ -216,6 +219,9 @@ void ScanWorker::measure(const OpenFolder& folder, const FolderEntry& entry) {
     return;
   }
   const auto attributes = reader_.attributes(folder.descriptor, entry.name);
+  if (!attributes && !attributes.error().isMissing()) {
+    listing_.hasUnmeasured = true;  // a folder that may be listed but not entered
+  }
   if (!attributes || attributes->identity.kind != FileKind::file) {
     return;  // gone since the folder was read, or something else now
   }

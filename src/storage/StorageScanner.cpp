@@ -74,6 +74,7 @@ void forgetPassingIdentities(StorageScanResult& result, const FileReader& reader
 /// Runs the workers and waits for them. Without threads to be had, the calling one does it all.
 void work(std::vector<ScanWorker>& workers, WorkExchange& exchange, OpenFolder root) {
   std::vector<std::jthread> threads;
+  threads.reserve(workers.size());
   for (std::size_t index = 1; index < workers.size(); ++index) {
     try {
       threads.emplace_back([&worker = workers[index]] { worker.run(std::nullopt); });
@@ -81,7 +82,12 @@ void work(std::vector<ScanWorker>& workers, WorkExchange& exchange, OpenFolder r
       exchange.leave();
     }
   }
-  workers.front().run(std::move(root));
+  try {
+    workers.front().run(std::move(root));
+  } catch (...) {
+    exchange.cancel();  // the others would wait for this one's work for ever
+    throw;
+  }
 }
 
 }  // namespace
@@ -138,7 +144,7 @@ void StorageScanner::addToAncestors(std::int64_t delta, std::string_view path, s
                                     FolderByteTotals& totals) {
   while (isSameOrInside(path, root)) {
     if (std::int64_t* const total = totals.find(path)) {
-      *total = saturatedSum(*total, delta);
+      *total = std::max<std::int64_t>(0, saturatedSum(*total, delta));
     }
     if (path == root || path == "/") {
       return;

@@ -44,7 +44,7 @@ class StorageScanner {
   static StorageCategory category(std::string_view path);
 
   /// After a removal: adds `delta` to the folder at `path` and to all above it up to `root`, as far as `totals` holds
-  /// them.
+  /// them; none falls below 0.
   static void addToAncestors(std::int64_t delta, std::string_view path, std::string_view root,
                              FolderByteTotals& totals);
 

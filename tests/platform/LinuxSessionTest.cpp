@@ -58,7 +58,8 @@ class Server {
       const int quiet = ::open("/dev/null", O_WRONLY);
       ::dup2(quiet, STDERR_FILENO);
       const std::string number = std::to_string(told[1]);
-      ::execlp("Xvfb", "Xvfb", "-displayfd", number.c_str(), "-nolisten", "tcp", "-screen", "0", "320x200x24", nullptr);
+      ::execlp("Xvfb", "Xvfb", "-displayfd", number.c_str(), "-noreset", "-nolisten", "tcp", "-screen", "0",
+               "320x200x24", nullptr);
       ::_exit(127);
     }
     ::close(told[1]);

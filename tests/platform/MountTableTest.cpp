@@ -26,9 +26,25 @@ TEST(MountTable, LeavesOutLinesThatAreBroken) {
 
 TEST(MountTable, KeepsTheLastOfSeveralMountsAtOnePoint) {
   EXPECT_EQ(parseMountInfo("1 0 0:1 / / rw - rootfs rootfs rw\n2 1 0:2 / /home rw - nfs server:/ rw\n"
-                           "3 1 0:3 / / rw - ext4 d rw\n4 2 0:4 / /home rw - ext4 d rw\n"),
+                           "3 1 0:3 / / rw - ext4 d rw\n4 3 0:4 / /home rw - ext4 d rw\n"),
             (std::vector<Mount>{{3, "/", "ext4", MountKind::local, "0:3", "d"},
                                 {4, "/home", "ext4", MountKind::local, "0:4", "d"}}));
+}
+
+TEST(MountTable, LeavesOutWhatALaterMountHides) {
+  const auto points = [](const std::string& text) {
+    std::vector<std::string> points;
+    for (const Mount& mount : parseMountInfo(text)) {
+      points.push_back(mount.point);
+    }
+    return points;
+  };
+  const std::string root = "1 0 0:1 / / rw - ext4 d rw\n";
+  const std::string drive = "2 1 0:2 / /mnt/x rw - ext4 d rw\n3 2 0:3 / /mnt/x/in rw - ext4 d rw\n";
+  EXPECT_EQ(points(root + drive), (std::vector<std::string>{"/", "/mnt/x", "/mnt/x/in"}));
+  EXPECT_EQ(points(root + drive + "4 1 0:4 / /mnt rw - ext4 d rw\n"), (std::vector<std::string>{"/", "/mnt"}));
+  EXPECT_EQ(points(root + "4 1 0:4 / /mnt rw - ext4 d rw\n5 4 0:5 / /mnt/x rw - ext4 d rw\n"),
+            (std::vector<std::string>{"/", "/mnt", "/mnt/x"}));
 }
 
 TEST(MountTable, TellsWhatMayStopAnswering) {

@@ -226,8 +226,14 @@ TEST_F(StorageScannerTest, RefusesARootThatIsNoFolder) {
 }
 
 TEST_F(StorageScannerTest, TellsWhatCouldNotBeRead) {
-  const TemporaryTree tree(
-      {{"closed/in", 5'000}, {"open/in", 5'000}, {"unreadable-\xFF/in", 5'000}, {"gone/in", 5'000}, {"file", 5'000}});
+  const TemporaryTree tree({{"closed/in", 5'000},
+                            {"listed/hidden", 5'000},
+                            {"listed/seen", 5'000},
+                            {"open/vanished", 5'000},
+                            {"open/in", 5'000},
+                            {"unreadable-\xFF/in", 5'000},
+                            {"gone/in", 5'000},
+                            {"file", 5'000}});
   thread_local std::string opened;
   const HookedReader reader(realReader, [&](Call call, std::string_view name) -> std::optional<SystemError> {
     if (call == Call::openFolder) {
@@ -242,11 +248,15 @@ TEST_F(StorageScannerTest, TellsWhatCouldNotBeRead) {
     if (call == Call::nextEntries && opened == "unreadable-\xFF") {
       return SystemError{EIO};
     }
+    if (call == Call::attributes && (name == "hidden" || name == "vanished")) {
+      return SystemError{name == "hidden" ? EACCES : ENOENT};
+    }
     return {};
   });
   const StorageScanResult result = scan(reader, tree.root());
-  EXPECT_EQ(result.inaccessiblePaths, (Paths{tree.path("closed"), tree.path("gone"), tree.path("unreadable-\xFF")}));
-  EXPECT_EQ(result.totalBytes, tree.allocatedBytes({"open/in", "file"}));
+  EXPECT_EQ(result.inaccessiblePaths,
+            (Paths{tree.path("closed"), tree.path("gone"), tree.path("listed"), tree.path("unreadable-\xFF")}));
+  EXPECT_EQ(result.totalBytes, tree.allocatedBytes({"open/in", "file", "listed/seen"}));
 
   const HookedReader closed(realReader, [](Call call, std::string_view) {
     return call == Call::openFolder ? std::optional(SystemError{EACCES}) : std::nullopt;
@@ -429,6 +439,9 @@ TEST(AddToAncestors, ChangesTheFolderAndWhatIsAboveIt) {
   StorageScanner::addToAncestors(-30, "/a/bc", "/", totals);
   StorageScanner::addToAncestors(-1, "/elsewhere", "/a", totals);
   EXPECT_EQ(totals, FolderByteTotals({{"/a", 50}, {"/a/b", 40}, {"/a/b/c/d", 0}, {"/a/bc", 0}, {"/", 470}}));
+  StorageScanner::addToAncestors(-45, "/a/b", "/a", totals);
+  EXPECT_EQ(totals, FolderByteTotals({{"/a", 5}, {"/a/b", 0}, {"/a/b/c/d", 0}, {"/a/bc", 0}, {"/", 470}}))
+      << "a folder that grew since it was measured";
 }
 
 }  // namespace

@@ -27,7 +27,11 @@ class StoredScans : public testing::Test {
     const auto loaded = ScanStore(files, "/support", probe).load(root);
     return loaded && *loaded ? std::optional((*loaded)->totalBytes) : std::nullopt;
   }
-  Names names() { return *files.names("/support"); }
+  Names names() {
+    Names names = *files.names("/support");
+    std::erase(names, "scans.lock");
+    return names;
+  }
 
   FakeFiles files;
   ScanStore store{files, "/support"};
@@ -41,7 +45,9 @@ TEST_F(StoredScans, HaveAFileForEachRoot) {
       {"/Volumes/Disk 2", {"scan-Volumes-Disk-2.json", "scan-Volumes-Disk-2.v2.json"}},
       {"/media/größe", {"scan-media-größe.json", "scan-media-größe.v2.json"}},
       {"/a b", {"scan-a-b.json", "scan-a-b.v2.json"}},
+      {"/history", {"scan-history-9E8CAFFE7A4FE656.json", "scan-history-9E8CAFFE7A4FE656.v2.json"}},
       {"/a-b", {"scan-a-b.json", "scan-a-b.v2.json"}}};
+
   for (const auto& [root, expected] : cases) {
     files.contents.clear();
     ASSERT_TRUE(store.save(resultOf(root, 7))) << root;

@@ -59,7 +59,8 @@ using Drives = std::vector<std::string>;
 
 TEST_F(VolumeMetrics, OffersTheStartupDriveThenTheOthersByName) {
   mountTable.text =
-      "20 1 8:17 / /media/ada/stick rw - vfat /dev/usb1 rw\n"
+      "27 1 0:52 / /media rw - tmpfs tmpfs rw\n"
+      "20 27 8:17 / /media/ada/stick rw - vfat /dev/usb1 rw\n"
       "21 1 8:33 / /mnt/archive rw - ext4 /dev/sdc1 rw\n"
       "1 0 8:1 / / rw - ext4 /dev/sda1 rw\n"
       "22 1 8:34 / /Volumes/X rw - xfs /dev/sdd1 rw\n"
@@ -68,7 +69,6 @@ TEST_F(VolumeMetrics, OffersTheStartupDriveThenTheOthersByName) {
       "25 1 0:51 / /mnt/phone rw - fuse.sshfs phone: rw\n"
       "26 1 7:1 / /mnt/image ro - squashfs /dev/loop1 ro\n"
       "30 1 7:2 / /mnt/disc ro - iso9660 /dev/loop2 ro\n"
-      "27 1 0:52 / /media rw - tmpfs tmpfs rw\n"
       "28 1 8:33 /sub /mnt/again rw - ext4 /dev/sdc1 rw\n"
       "29 1 8:1 /usr /mnt/usr rw - ext4 /dev/sda1 rw\n";
   volumes.labels = {{"/", "System"}, {"/mnt/archive", "Zoo"}};

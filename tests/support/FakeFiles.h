@@ -69,6 +69,10 @@ class FakeFiles final : public DurableFiles {
     });
   }
 
+  SystemResult<Descriptor> lockNow(const std::string& path) override {
+    return call("lockNow", path, 0, [&] { return Descriptor(); });
+  }
+
   SystemResult<std::unique_ptr<GrowingFile>> grow(const std::string& path) override {
     return call("grow", std::string(parentPath(path)), contents.contains(path) ? EEXIST : 0,
                 [&]() -> std::unique_ptr<GrowingFile> { return std::make_unique<Growing>(*this, path); });

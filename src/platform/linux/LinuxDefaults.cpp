@@ -57,6 +57,9 @@ std::expected<std::optional<std::string>, std::string> LinuxDefaults::string(con
 }
 
 SystemResult<void> LinuxDefaults::setString(const std::string& key, std::string_view value) {
+  if (path_.empty()) {
+    return std::unexpected(SystemError{ENOENT});  // without a home there is no place for settings
+  }
   if (auto made = files_.makeFolders(std::string(parentPath(path_))); !made) {
     return made;
   }
@@ -74,6 +77,9 @@ SystemResult<void> LinuxDefaults::setString(const std::string& key, std::string_
       return kept;
     }
     text = replaced("{}", key, value);
+  }
+  if (text && text->size() > byteLimit) {
+    return std::unexpected(SystemError{EFBIG});  // it could not be read again
   }
   return text ? files_.writeAtomically(path_, *text) : std::unexpected(SystemError{ELIBACC});
 }

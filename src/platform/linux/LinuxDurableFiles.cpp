@@ -125,12 +125,18 @@ bool LinuxDurableFiles::isLocked(const Descriptor& file) {
   return kernel_.flock(file.number(), LOCK_EX | LOCK_NB) != 0 && !lastError().isWithoutLocks();
 }
 
-SystemResult<Descriptor> LinuxDurableFiles::lock(const std::string& path) {
+SystemResult<Descriptor> LinuxDurableFiles::lock(const std::string& path) { return lock(path, lockPatience); }
+
+SystemResult<Descriptor> LinuxDurableFiles::lockNow(const std::string& path) {
+  return lock(path, std::chrono::milliseconds(0));
+}
+
+SystemResult<Descriptor> LinuxDurableFiles::lock(const std::string& path, std::chrono::milliseconds patience) {
   auto file = openPath(kernel_, path, O_RDWR | O_CREAT | O_NOFOLLOW, 0600);
   if (!file) {
     return file;
   }
-  const auto giveUp = std::chrono::steady_clock::now() + lockPatience;
+  const auto giveUp = std::chrono::steady_clock::now() + patience;
   while (kernel_.flock(file->number(), LOCK_EX | LOCK_NB) != 0) {
     const SystemError cause = lastError();
     const bool isHeld = cause.code == EWOULDBLOCK || cause.code == EINTR;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -23,11 +24,13 @@ class LinuxDurableFiles final : public DurableFiles {
   SystemResult<void> remove(const std::string& path) override;
   void removeRemains(const std::string& folder) override;
   SystemResult<Descriptor> lock(const std::string& path) override;
+  SystemResult<Descriptor> lockNow(const std::string& path) override;
   SystemResult<std::unique_ptr<GrowingFile>> grow(const std::string& path) override;
   bool isGrowing(const std::string& path) override;
 
  private:
   bool isLocked(const Descriptor& file);
+  SystemResult<Descriptor> lock(const std::string& path, std::chrono::milliseconds patience);
 
   LinuxKernel& kernel_;
 };

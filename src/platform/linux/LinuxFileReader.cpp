@@ -121,7 +121,8 @@ FileKind kindOfEntry(int folder, const dirent64& entry) {
       return FileKind::link;
     case DT_UNKNOWN: {
       const SystemResult<FileAttributes> found = attributesAt(folder, entry.d_name, AT_SYMLINK_NOFOLLOW);
-      return found ? found->identity.kind : FileKind::other;
+      // What can't be looked at may be a folder; whoever tries to open it will be told.
+      return found ? found->identity.kind : FileKind::folder;
     }
     default:
       return FileKind::other;

@@ -8,9 +8,9 @@
 #include <cerrno>
 #include <charconv>
 #include <optional>
-#include <ranges>
 #include <unordered_set>
 
+#include "base/Path.h"
 #include "platform/Descriptor.h"
 
 namespace lumenary {
@@ -63,13 +63,28 @@ std::string unescaped(std::string_view field) {
   return bytes;
 }
 
-std::optional<Mount> parseLine(std::string_view line) {
+struct ListedMount {
   Mount mount;
-  const std::string_view id = takeUpTo(line, ' ');
-  if (std::from_chars(id.data(), id.data() + id.size(), mount.id).ptr != id.data() + id.size() || id.empty()) {
+  std::uint64_t parent = 0;  ///< the id of the mount that it is mounted on
+  bool isHidden = false;
+};
+
+std::optional<std::uint64_t> parseID(std::string_view text) {
+  std::uint64_t id = 0;
+  const bool isNumber = std::from_chars(text.data(), text.data() + text.size(), id).ptr == text.data() + text.size();
+  return isNumber && !text.empty() ? std::optional(id) : std::nullopt;
+}
+
+std::optional<ListedMount> parseLine(std::string_view line) {
+  ListedMount listed;
+  Mount& mount = listed.mount;
+  const auto id = parseID(takeUpTo(line, ' '));
+  const auto parent = parseID(takeUpTo(line, ' '));
+  if (!id || !parent) {
     return {};
   }
-  takeUpTo(line, ' ');  // the mount's parent
+  mount.id = *id;
+  listed.parent = *parent;
   mount.device = takeUpTo(line, ' ');
   takeUpTo(line, ' ');  // the folder of that file system that is mounted
   mount.point = unescaped(takeUpTo(line, ' '));
@@ -83,26 +98,42 @@ std::optional<Mount> parseLine(std::string_view line) {
     return {};
   }
   mount.kind = kindOfType(mount.type);
-  return mount;
+  return listed;
+}
+
+/// A mount can't be reached any more where a later one was mounted at its point, or above it on the same mount, nor can
+/// what was mounted on it in the second case.
+void hideCovered(std::vector<ListedMount>& mounts) {
+  std::unordered_set<std::uint64_t> buried;
+  for (auto at = mounts.begin(); at != mounts.end(); ++at) {
+    const auto isAtSamePoint = [&](const ListedMount& later) { return later.mount.point == at->mount.point; };
+    const auto isAbove = [&](const ListedMount& later) {
+      return later.parent == at->parent && isSameOrInside(at->mount.point, later.mount.point);
+    };
+    const bool isBuried = buried.contains(at->parent) || std::any_of(at + 1, mounts.end(), isAbove);
+    at->isHidden = isBuried || std::any_of(at + 1, mounts.end(), isAtSamePoint);
+    if (isBuried) {
+      buried.insert(at->mount.id);
+    }
+  }
 }
 
 }  // namespace
 
 std::vector<Mount> parseMountInfo(std::string_view text) {
-  std::vector<Mount> mounts;
+  std::vector<ListedMount> listed;
   while (!text.empty()) {
-    if (std::optional<Mount> mount = parseLine(takeUpTo(text, '\n'))) {
-      mounts.push_back(*std::move(mount));
+    if (std::optional<ListedMount> mount = parseLine(takeUpTo(text, '\n'))) {
+      listed.push_back(*std::move(mount));
     }
   }
-  std::unordered_set<std::string_view> pointsTaken;
+  hideCovered(listed);
   std::vector<Mount> visible;
-  for (const Mount& mount : std::views::reverse(mounts)) {
-    if (pointsTaken.insert(mount.point).second) {
-      visible.push_back(mount);
+  for (ListedMount& one : listed) {
+    if (!one.isHidden) {
+      visible.push_back(std::move(one.mount));
     }
   }
-  std::ranges::reverse(visible);
   return visible;
 }
 
