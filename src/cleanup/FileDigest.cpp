@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <mutex>
 #include <span>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -78,13 +79,25 @@ class PieceQueue {
     changed_.notify_all();
   }
 
+  /// Nothing more is wanted once this value goes.
+  class Closing {
+   public:
+    explicit Closing(PieceQueue& queue) : queue_(queue) {}
+    ~Closing() { queue_.close(); }
+    Closing(const Closing&) = delete;
+    Closing& operator=(const Closing&) = delete;
+
+   private:
+    PieceQueue& queue_;
+  };
+
+ private:
   void close() {
     const std::lock_guard guard(lock_);
     isClosed_ = true;
     changed_.notify_all();
   }
 
- private:
   std::mutex lock_;
   std::condition_variable changed_;
   std::array<Piece, pieceCount> pieces_;
@@ -162,10 +175,14 @@ std::optional<std::string> fullDigest(const ContentReader& contents, const Descr
   }
   const PassingPart part(contents, file, 0, static_cast<std::uint64_t>(stamp->byteCount));
   PieceQueue queue;
-  const std::jthread reader([&] { readAll(contents, file, queue); });
-  auto digest = hashAll(queue, stop);
-  queue.close();
-  return digest;
+  std::jthread reader;
+  try {
+    reader = std::jthread([&] { readAll(contents, file, queue); });
+  } catch (const std::system_error&) {
+    return std::nullopt;  // no thread to be had: as good as unreadable
+  }
+  const PieceQueue::Closing closing(queue);  // whichever way this ends, before the reader is waited for
+  return hashAll(queue, stop);
 }
 
 }  // namespace lumenary

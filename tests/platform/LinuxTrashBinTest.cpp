@@ -7,6 +7,7 @@
 #include <cerrno>
 
 #include "platform/linux/LinuxTrashBin.h"
+#include "support/JudgedHome.h"
 #include "support/LinuxTrashTest.h"
 
 namespace lumenary {
@@ -20,6 +21,10 @@ class LinuxTrashBinTest : public LinuxTrashTest {
   LinuxTrashBinTest() {
     home.makeFolder(".local/share/Trash/files");
     home.makeFolder(".local/share/Trash/info");
+    // Never the machine's own: what is in the Trash of whoever runs the tests must stay.
+    made.all = {{.id = 1, .point = home.path("volume"), .type = "ext4"},
+                {.id = 2, .point = home.path("again"), .type = "ext4"},
+                {.id = 3, .point = home.path("server"), .type = "nfs", .kind = MountKind::network}};
   }
 
   void put(const std::string& name) { home.write(".local/share/Trash/info/" + name + ".trashinfo"); }
@@ -36,8 +41,9 @@ class LinuxTrashBinTest : public LinuxTrashTest {
   }
   TrashEmptying empty(LinuxKernel& with, unsigned workers = 1, const std::stop_token& stop = {},
                       const EmptyingProgress& progress = {}) {
-    return LinuxTrashBin(with, reader, mountTable, places, workers).empty(progress, stop);
+    return LinuxTrashBin(with, reader, made, places, workers).empty(progress, stop);
   }
+  MadeMounts made;
   Names files() const { return namesIn(home.trash("files")); }
   Names infos() const { return namesIn(home.trash("info")); }
   Names passing() const { return namesIn(home.trash("expunged")); }
@@ -70,6 +76,25 @@ TEST_F(LinuxTrashBinTest, RemovesAllOfItAndNothingBeyond) {
   EXPECT_EQ(namesIn(home.path("mine")), Names{"kept"});
   EXPECT_EQ(contentsOf(home.trash("directorysizes")), "5 7 other\n");
   EXPECT_EQ(empty(kernel), TrashEmptying());
+}
+
+TEST_F(LinuxTrashBinTest, GoesThroughTheTrashesOfLocalVolumes) {
+  const std::string user = std::to_string(places.userID);
+  for (const std::string& trash : {"volume/.Trash-" + user, "volume/.Trash/" + user, "server/.Trash-" + user}) {
+    home.write(trash + "/files/x");
+    home.write(trash + "/info/x.trashinfo");
+  }
+  EXPECT_EQ(empty(kernel).removedCount, 1U) << "a shared one without the sticky bit doesn't count";
+  ::chmod(home.path("volume/.Trash").c_str(), 01777);
+  home.rename("volume/.Trash-" + user, "volume/private");
+  home.write("volume/private/files/x");
+  home.build({{"volume/.Trash-" + user, LinkTo{"private"}}});
+  EXPECT_EQ(empty(kernel), (TrashEmptying{.removedCount = 1})) << "a link isn't followed";
+  EXPECT_TRUE(standsAt(home.path("volume/private/files/x")));
+  EXPECT_TRUE(standsAt(home.path("server/.Trash-" + user + "/files/x")));
+  const auto folders = LinuxTrashBin(kernel, reader, made, places, 1).itemFolders();
+  EXPECT_EQ(folders->front(), home.trash("files"));
+  EXPECT_EQ(folders->size(), 5U);
 }
 
 TEST_F(LinuxTrashBinTest, RemovesTenThousandItemsAndDeepOnesOnSeveralThreads) {

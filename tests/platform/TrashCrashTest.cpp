@@ -9,12 +9,15 @@
 #include "cleanup/CleanupHistory.h"
 #include "cleanup/CleanupJournal.h"
 #include "cleanup/CleanupRecovery.h"
+#include "cleanup/StorageTrashCoordinator.h"
+#include "platform/linux/LinuxContentReader.h"
 #include "platform/linux/LinuxDurableFiles.h"
 #include "platform/linux/LinuxFileReader.h"
 #include "platform/linux/LinuxMountTable.h"
 #include "platform/linux/LinuxTrash.h"
 #include "storage/ScanStore.h"
 #include "support/FaultKernel.h"
+#include "support/JudgedHome.h"
 #include "support/TemporaryHome.h"
 
 // A whole act, from the intent to the record, with one fault at each of its system calls in turn: every error that fits
@@ -70,6 +73,30 @@ struct Program {
     }
   }
 
+  /// Through the gate for scanned items, which looks at the disk before and after.
+  void moveScanned(const std::string& path) {
+    CleanupJournal journal(files, places.support);
+    const auto transactionID = UUID::random();
+    const StorageMove move{folderEntry(path, 8192)};
+    const auto outcomes = StorageTrashCoordinator(reader, contents, trash, gate, places)
+                              .moveToTrash(std::span(&move, 1), source, transactionID, journal);
+    const CleanupOutcome& outcome = outcomes.front();
+    CleanupTransaction recorded{.id = transactionID,
+                                .timestamp = std::chrono::floor<Date::duration>(std::chrono::system_clock::now()),
+                                .source = source,
+                                .items = {}};
+    recorded.items.push_back({.id = outcome.id,
+                              .originalURL = outcome.url,
+                              .trashURL = outcome.trashURL,
+                              .measuredBytes = move.entry.byteCount,
+                              .ruleID = storageRuleID(source, move.entry.category),
+                              .outcome = outcome.success ? Item::Outcome::movedToTrash : Item::Outcome::failed,
+                              .message = outcome.message});
+    if (store.appendCleanupTransaction(recorded).isSaved) {
+      journal.finish();
+    }
+  }
+
   void undoLast() {
     history.load();
     if (!history.cleanupTransactions().empty()) {
@@ -81,6 +108,8 @@ struct Program {
   Places places;
   LinuxFileReader reader;
   LinuxMountTable mountTable;
+  LinuxContentReader contents{reader};
+  StorageTrashGate gate{reader, mountTable, places};
   LinuxDurableFiles files;
   LinuxTrash trash;
   ScanStore store;
@@ -89,7 +118,7 @@ struct Program {
 
 class Scenario {
  public:
-  enum class Act { move, moveBesideTakenName, restore };
+  enum class Act { move, moveScanned, moveBesideTakenName, restore };
 
   explicit Scenario(Act act) : act_(act) {
     home_.write("Code/app/package.json");
@@ -110,6 +139,8 @@ class Scenario {
     Program program(kernel, home_.places());
     if (act_ == Act::restore) {
       program.undoLast();
+    } else if (act_ == Act::moveScanned) {
+      program.moveScanned(item());
     } else {
       program.moveToTrash(item());
     }
@@ -264,6 +295,7 @@ TEST_P(TrashCrashTest, LosesNothingAndClaimsNothingFalse) {
 
 INSTANTIATE_TEST_SUITE_P(Acts, TrashCrashTest,
                          testing::Values(std::pair("move", Scenario::Act::move),
+                                         std::pair("moveScanned", Scenario::Act::moveScanned),
                                          std::pair("moveBesideTakenName", Scenario::Act::moveBesideTakenName),
                                          std::pair("restore", Scenario::Act::restore)),
                          [](const auto& parameter) { return std::string(parameter.param.first); });
