@@ -56,13 +56,14 @@ std::string shortened(std::string_view name) {
   return std::string(name.substr(0, end)) + "…";
 }
 
-std::string huggingFaceName(std::string_view path) {
+std::string huggingFaceName(const FileEntry& entry, std::string_view lowered) {
   constexpr std::string_view folder = "/models--";
-  const std::size_t at = path.find(folder);
+  const std::size_t at = lowered.find(folder);
   if (at == std::string_view::npos) {
     return "Hugging Face model cache";
   }
-  const std::string_view rest = path.substr(at + folder.size());
+  // In lower case a path is as long as before.
+  const std::string_view rest = std::string_view(entry.url.path).substr(at + folder.size());
   return "Hugging Face model cache — " + std::string(rest.substr(0, rest.find('/')));
 }
 
@@ -128,7 +129,7 @@ std::string friendlyName(const FileEntry& entry) {
     return "Ollama AI model file";
   }
   if (lowered.holds(Place::huggingFace)) {
-    return huggingFaceName(entry.url.path);
+    return huggingFaceName(entry, lowered.path);
   }
   if (const auto name = nameByPlace(lowered)) {
     return std::string(*name);

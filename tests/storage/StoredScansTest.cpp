@@ -100,8 +100,7 @@ TEST_F(StoredScans, SayWhyTheyCannotBeLoaded) {
 }
 
 TEST_F(StoredScans, AreNeverOlderThanTheLastSaveThatSucceeded) {
-  // Whatever call fails or is the last of a killed process, a later load finds the old result or the new one, and the
-  // new one wherever the save said so.
+  // Whatever call fails, a later load finds the old result or the new one, and the new one wherever the save said so.
   ASSERT_TRUE(store.save(resultOf("/", 1)));
   const auto before = files.contents;
   for (const std::string& call : {"remove " + fast, "write " + readable, "write " + fast}) {
