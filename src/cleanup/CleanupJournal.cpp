@@ -1,5 +1,6 @@
 #include "cleanup/CleanupJournal.h"
 
+#include <algorithm>
 #include <array>
 #include <optional>
 #include <utility>
@@ -104,6 +105,9 @@ SystemResult<void> CleanupJournal::Recorder::intend(const TrashIntent& intent) {
   entry_.intent = intent;
   auto written = journal_.file_->append(encodeJournalEntry(entry_));
   hasIntended_ = hasIntended_ || written;
+  if (written) {
+    journal_.lastIntended_ = std::max(journal_.lastIntended_.value_or(intent.date), intent.date);
+  }
   return written;
 }
 

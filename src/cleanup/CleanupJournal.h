@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <expected>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -64,6 +65,8 @@ class CleanupJournal {
     bool hasIntended_ = false;
   };
 
+  /// When the last act was intended; none where none was. A record of them must not be older.
+  std::optional<Date> lastIntended() const { return lastIntended_; }
   /// Something of the act needs to be put right by the next start: the file stays.
   void keepForRecovery() { keep_ = true; }
   /// The log holds what the act did: removes the file, unless it is kept.
@@ -82,6 +85,7 @@ class CleanupJournal {
   std::string path_;
   std::unique_ptr<GrowingFile> file_;
   bool keep_ = false;
+  std::optional<Date> lastIntended_;
 };
 
 }  // namespace lumenary

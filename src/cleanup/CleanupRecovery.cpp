@@ -1,9 +1,9 @@
 #include "cleanup/CleanupRecovery.h"
 
 #include <algorithm>
+#include <chrono>
 #include <map>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -20,6 +20,8 @@ using Item = CleanupTransaction::Item;
 using Outcome = Item::Outcome;
 
 constexpr std::size_t journalByteLimit = std::size_t{64} << 20;
+/// By how much the clock may have been set back between an act and its record.
+constexpr auto dateAllowance = std::chrono::minutes(2);
 constexpr auto interruptedMessage = "The move was interrupted. The item is still in its place.";
 
 /// An intended act, and where it ended.
@@ -62,7 +64,7 @@ class IndexedLog {
         const Item& each = transactions[position].items[item];
         itemPositions_.emplace(std::pair(transactions[position].id, each.id), std::pair(position, item));
         if (each.outcome == Outcome::movedToTrash && each.trashURL) {
-          claimed_.insert(each.trashURL->path);
+          note(each.trashURL->path, transactions[position].timestamp);
         }
       }
     }
@@ -74,8 +76,16 @@ class IndexedLog {
   }
 
   /// True the first time only, and not where an item on record stands at that place: of two records of one thing the
-  /// second would be put back in the other's stead.
-  bool claim(const std::string& trashPath) { return claimed_.insert(trashPath).second; }
+  /// second would be put back in the other's stead. A record of before the act was of another thing, which has left the
+  /// Trash since.
+  bool claim(const TrashIntent& intent) {
+    const auto claimed = claimed_.find(intent.trashPath);
+    if (claimed != claimed_.end() && claimed->second + dateAllowance >= intent.date) {
+      return false;
+    }
+    note(intent.trashPath, intent.date);
+    return true;
+  }
 
   /// Adds an item that is in no transaction yet, and its transaction where the log has none.
   Item& add(const JournalEntry& entry) {
@@ -96,11 +106,16 @@ class IndexedLog {
   }
 
  private:
+  void note(const std::string& trashPath, Date date) {
+    Date& latest = claimed_.try_emplace(trashPath, date).first->second;
+    latest = std::max(latest, date);
+  }
+
   std::vector<CleanupTransaction>& transactions_;
   const LastDates& dates_;
   std::map<UUID, std::size_t> transactionPositions_;
   std::map<std::pair<UUID, UUID>, std::pair<std::size_t, std::size_t>> itemPositions_;
-  std::set<std::string> claimed_;
+  std::map<std::string, Date> claimed_;  ///< when the latest act on record that ended there was over
 };
 
 bool isRecordedIn(const Item& item, const std::string& trashPath) {
@@ -111,15 +126,16 @@ void recordMove(const SettledAct& act, IndexedLog& log) {
   const std::string& trashPath = act.entry.intent.trashPath;
   Item* item = log.find(act.entry);
   if (act.state == ActState::inTrash && (item == nullptr || item->outcome == Outcome::failed)) {
-    if (!log.claim(trashPath)) {
+    if (!log.claim(act.entry.intent)) {
       return;
     }
     setState(item != nullptr ? *item : log.add(act.entry), Outcome::movedToTrash, urlOf(act.entry, trashPath),
              "Moved to Trash");
-  } else if (act.state == ActState::atOrigin && (item == nullptr || isRecordedIn(*item, trashPath))) {
+  } else if (act.state == ActState::atOrigin && item == nullptr) {
     const std::string& refusal = act.entry.refusal;
-    setState(item != nullptr ? *item : log.add(act.entry), Outcome::failed, std::nullopt,
-             refusal.empty() ? interruptedMessage : refusal);
+    setState(log.add(act.entry), Outcome::failed, std::nullopt, refusal.empty() ? interruptedMessage : refusal);
+  } else if (act.state == ActState::atOrigin && isRecordedIn(*item, trashPath)) {
+    item->markRestored();  // it was moved, and somebody has put it back since
   }
 }
 

@@ -36,7 +36,7 @@ class PassingPart {
   PassingPart& operator=(const PassingPart&) = delete;
 
  private:
-  bool isThere() const { return contents_.isInMemory(file_, offset_ + length_ / 2); }
+  bool isThere() const { return contents_.isInMemory(file_, offset_ + (length_ / 2)); }
 
   const ContentReader& contents_;
   const Descriptor& file_;

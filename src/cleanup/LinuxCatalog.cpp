@@ -117,6 +117,13 @@ class PatternTree {
 };
 
 struct Patterns {
+  PatternTree& treeOf(char first) {
+    if (first == '~') {
+      return home;
+    }
+    return first == '*' ? anywhere : root;
+  }
+
   PatternTree home;
   PatternTree root;
   PatternTree anywhere;
@@ -132,8 +139,7 @@ const Patterns& patterns() {
       expandBraces(std::string(rows[row].pattern), texts);
       for (const std::string_view text : texts) {
         const std::size_t slash = text.find('/');
-        PatternTree& tree = text.starts_with('~') ? made.home : text.starts_with('*') ? made.anywhere : made.root;
-        tree.add(text.substr(slash + 1), row, verdictOf(rows[row]));
+        made.treeOf(text.front()).add(text.substr(slash + 1), row, verdictOf(rows[row]));
       }
     }
     made.anywhereNames = made.anywhere.names();

@@ -31,7 +31,7 @@ std::string_view rawValue(TidyItem::Kind kind);
 /// A short list of what can go. A byte sum that leaves 64 bits stops the program.
 struct TidyPlan {
   TidyPlan() = default;
-  explicit TidyPlan(std::vector<TidyItem> items);
+  explicit TidyPlan(std::vector<TidyItem> planned);
 
   /// All items of one title.
   struct Group {

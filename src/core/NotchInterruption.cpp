@@ -12,8 +12,8 @@ constexpr auto quietTime = std::chrono::seconds(86'400);
 
 /// None where none is told, and where the text is damaged or of a clock that was wrong.
 std::optional<Date> lastInterruption(const Defaults& defaults, Date now) {
-  const auto text = defaults.string(lastInterruptionKey);
-  const auto date = text && *text ? parseISO8601(**text) : std::nullopt;
+  const auto text = defaults.string(lastInterruptionKey).value_or(std::nullopt);
+  const auto date = text ? parseISO8601(*text) : std::nullopt;
   return date && *date - now < quietTime ? date : std::nullopt;
 }
 

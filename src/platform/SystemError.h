@@ -16,7 +16,7 @@ struct SystemError {
   bool isMissing() const;  ///< nothing stands there (ENOENT, ENOTDIR)
   bool isLink() const;     ///< a link stood where none is followed (ELOOP)
   bool isNoSpace() const;  ///< the disk or the person's share of it is full (ENOSPC, EDQUOT)
-  /// The file system has no locks; a lock that somebody holds is another matter (ENOLCK, EOPNOTSUPP).
+  /// The file system has no locks; a lock that somebody holds is another matter (ENOLCK, EOPNOTSUPP, ENOSYS).
   bool isWithoutLocks() const;
 };
 

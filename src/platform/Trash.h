@@ -63,7 +63,7 @@ struct TrashIntent {
   std::string originalPath;
   std::string trashPath;  ///< …/files/NAME
   FileIdentity identity;
-  Date date;  ///< of the act; a move's info file carries it
+  Date date;  ///< of the move, which its info file carries; of the record, where the item is put back
 };
 
 /// Takes an intent down durably before the act goes on. An error stops the act with nothing moved.

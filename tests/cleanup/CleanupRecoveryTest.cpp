@@ -87,7 +87,7 @@ TEST(CleanupRecovery, TheLogTellsWhereAnInterruptedActEnded) {
       {"moved and recorded", Act::move, ActState::inTrash, {moved}, {moved}},
       {"moved, put back and recorded", Act::move, ActState::inTrash, {restored}, {restored}},
       {"never moved, not recorded", Act::move, ActState::atOrigin, {}, {interrupted}},
-      {"never moved, recorded as moved", Act::move, ActState::atOrigin, {moved}, {interrupted}},
+      {"moved, recorded, and put back by another program", Act::move, ActState::atOrigin, {moved}, {restored}},
       {"moved under another name", Act::move, ActState::atOrigin, {movedElsewhere}, {movedElsewhere}},
       {"refused and recorded", Act::move, ActState::atOrigin, {refused}, {refused}},
       {"put back since", Act::move, ActState::atOrigin, {restored}, {restored}},
@@ -177,6 +177,18 @@ TEST(CleanupRecovery, OneThingInTheTrashIsClaimedByOneItem) {
     EXPECT_EQ(aftermath.recover(), before);
     EXPECT_FALSE(aftermath.isJournalLeft());
   }
+}
+
+TEST(CleanupRecovery, ARecordOfBeforeTheActClaimsAnotherThing) {
+  Item earlier = item(Outcome::movedToTrash, "/trash/files/dist", "Moved to Trash");
+  earlier.id = identity(5);
+  CleanupTransaction before = transaction({earlier});
+  before.id = identity(6);
+  before.timestamp -= std::chrono::hours(1);
+  Aftermath aftermath({entry(Act::move, 9)});
+  aftermath.trash.states["/trash/files/dist"] = ActState::inTrash;
+  aftermath.files.contents[logPath] = encodeCleanupTransactions(std::vector{before});
+  EXPECT_EQ(aftermath.recover().size(), 2U) << "emptied by another program, and the name taken again";
 }
 
 TEST(CleanupRecovery, AJournalStaysUntilItIsReadAndItsActsAreOnRecord) {

@@ -54,6 +54,9 @@ TEST_F(LinuxTrashSettleTest, AnActThatDiedIsToldByWhatStandsWhere) {
       {"never moved, another's info file begun", "o", "[Trash Info]\nPath=/els", lasting, ActState::atOrigin, true},
       {"moved", "t", ours, lasting, ActState::inTrash, true},
       {"moved, the info file lost", "t", none, lasting, ActState::inTrash, true},
+      {"another of the same number has the name", "t", infoOf("other/dist", now), lasting, ActState::neither, true},
+      {"a later act's of the same number", "t", infoOf("app/dist", std::chrono::minutes(5)), lasting, ActState::neither,
+       true},
       {"emptied, and built again", "O", none, lasting, ActState::neither, false},
       {"another has the name", "oT", infoOf("other/dist", now), lasting, ActState::atOrigin, true},
       {"never moved, on FAT", "O", ours, !lasting, ActState::atOrigin, false},
@@ -96,6 +99,15 @@ TEST_F(LinuxTrashSettleTest, AnActThatDiedIsToldByWhatStandsWhere) {
     EXPECT_EQ(standsAt(intent.originalPath), standingAt.find_first_of("oO") != std::string::npos);
     EXPECT_EQ(standsAt(intent.trashPath), standingAt.find_first_of("tT") != std::string::npos);
   }
+}
+
+TEST_F(LinuxTrashSettleTest, OfATrashBehindALinkToADiskThatIsAwayNothingIsKnown) {
+  home.build({{"app/"}, {".local/share/Trash", LinkTo{home.path("away/Trash")}}});
+  EXPECT_EQ(trash.settle({.originalPath = home.path("app/dist"),
+                          .trashPath = home.trash("files/dist"),
+                          .identity = {.device = 7, .inode = 1, .kind = FileKind::folder},
+                          .date = moved}),
+            ActState::unknown);
 }
 
 TEST_F(LinuxTrashSettleTest, AFileThatDiedBetweenItsTwoNamesKeepsTheFirst) {

@@ -57,7 +57,9 @@ TrashRun moveToTrash(std::span<const CleanupCandidate> selected, Platform& platf
   if (run.attempted == 0) {
     return run;
   }
-  transaction.timestamp = platform.now();
+  // The clock may have been set back meanwhile.
+  const Date now = platform.now();
+  transaction.timestamp = std::max(now, journal.lastIntended().value_or(now));
   if (store.appendCleanupTransaction(transaction).isSaved) {
     journal.finish();
   } else {

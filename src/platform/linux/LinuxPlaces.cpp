@@ -12,12 +12,21 @@
 namespace lumenary {
 namespace {
 
-std::string homeByPasswordDatabase(uid_t user) {
+/// Empty where there is no such account; none where the database can't be asked.
+std::optional<std::string> homeByPasswordDatabase(uid_t user) {
   std::vector<char> buffer(1024);
   passwd entry{};
   passwd* found = nullptr;
-  while (::getpwuid_r(user, &entry, buffer.data(), buffer.size(), &found) == ERANGE) {
-    buffer.resize(2 * buffer.size());
+  int error = 0;
+  while ((error = ::getpwuid_r(user, &entry, buffer.data(), buffer.size(), &found)) == ERANGE || error == EINTR) {
+    if (error == ERANGE) {
+      buffer.resize(2 * buffer.size());
+    }
+  }
+  // Some databases say so of an account that they don't know.
+  const bool isUnknown = error == ENOENT || error == ESRCH || error == EBADF || error == EPERM;
+  if (found == nullptr && error != 0 && !isUnknown) {
+    return std::nullopt;
   }
   return found == nullptr || found->pw_dir == nullptr ? std::string() : found->pw_dir;
 }
@@ -31,7 +40,9 @@ std::string below(const std::string& folder, std::string_view relative) {
 
 }  // namespace
 
-std::string accountHomeOf(std::uint32_t userID) { return absolute(homeByPasswordDatabase(userID)); }
+std::optional<std::string> accountHomeOf(std::uint32_t userID) {
+  return homeByPasswordDatabase(userID).transform([](const std::string& home) { return absolute(home); });
+}
 
 Places placesOf(const Environment& environment) {
   const auto variable = [&](const char* name) {
@@ -42,7 +53,7 @@ Places placesOf(const Environment& environment) {
   places.userID = ::geteuid();
   places.home = variable("HOME");
   if (places.home.empty()) {
-    places.home = accountHomeOf(places.userID);
+    places.home = accountHomeOf(places.userID).value_or("");
   }
   const auto folder = [&](const char* name, std::string_view standard) {
     std::string path = variable(name);

@@ -75,8 +75,16 @@ struct LinuxTrash::Attempt {
 
 Places LinuxTrash::guardedPlaces() const {
   Places places = places_;
-  if (places.accountHome.empty()) {
-    places.accountHome = accountHomeOf(places.userID);
+  if (!places.accountHome.empty()) {
+    return places;
+  }
+  if (!accountHome_) {
+    accountHome_ = accountHomeOf(places.userID);
+  }
+  if (accountHome_) {
+    places.accountHome = *accountHome_;
+  } else {
+    places.home.clear();  // what can't be asked for can't be guarded: nothing moves
   }
   return places;
 }
@@ -207,8 +215,9 @@ LinuxTrash::Attempt LinuxTrash::attempt(const TrashFolder& trash, const OpenedIt
     return {.error = refuse(TrashRefusal::changed, {}, isSynced)};
   }
   const auto atOrigin = statusAt(kernel_, item.parent, item.name.c_str());
-  if (report.result == MoveResult::failed && (!atOrigin || atOrigin->identity != item.identity)) {
-    // Perhaps it was moved after all: the info file stays until the next start has looked.
+  const bool isSurelyAtOrigin = atOrigin && atOrigin->identity == item.identity && report.isSettled;
+  if (report.result == MoveResult::failed && !isSurelyAtOrigin) {
+    // Perhaps it was moved after all, or has a name at both ends: the info file stays until the next start has looked.
     return {.error = refuse(refusalOf(report), report.cause, false)};
   }
   const bool isSettled = infoFile.remove() && report.isSettled;
@@ -257,7 +266,7 @@ std::expected<TrashedItem, TrashError> LinuxTrash::putBack(const std::string& tr
     return std::unexpected(refuse(TrashRefusal::occupied));
   }
   if (auto intended = recorder.intend(
-          {.originalPath = originalPath, .trashPath = trashPath, .identity = status->identity, .date = now()});
+          {.originalPath = originalPath, .trashPath = trashPath, .identity = status->identity, .date = recorded});
       !intended) {
     return std::unexpected(refuse(recordRefusal(intended.error()), intended.error()));
   }

@@ -55,6 +55,7 @@ class LinuxTrash final : public Trash {
   const FileReader& reader_;
   const MountTable& mountTable_;
   const Places& places_;
+  mutable std::optional<std::string> accountHome_;  ///< once the password database has answered
   TrashFolders folders_;
   std::map<std::string, FolderSizeChanges> sizeChanges_;  ///< by the path of the Trash
 };

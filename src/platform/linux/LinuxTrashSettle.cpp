@@ -44,9 +44,12 @@ std::optional<LinuxTrash::Findings> LinuxTrash::find(const TrashFolder& trash, c
   found.isInfoOfAct = found.info.isOf(intent.originalPath, trash, intent.date);
   found.isAtOrigin = found.origin && mayBe(found.origin->identity, intent.identity, mount);
   found.isInTrash = inTrash && mayBe(inTrash->identity, intent.identity, mount);
-  if (found.isInTrash && !keepsInodeNumbers(mount)) {
-    // The info file tells whether it is the item or another's. Without one it may be either.
-    const bool isTold = found.info.info && found.info.info->deleted;
+  // The info file tells whether it is the item or another's, even one of the same number: those are given again. Where
+  // they don't last and there is none, it may be either.
+  const bool isTold = found.info.info && found.info.info->deleted;
+  if (found.isInTrash && isTold && !found.isInfoOfAct) {
+    found.isInTrash = false;
+  } else if (found.isInTrash && !keepsInodeNumbers(mount)) {
     found.isInDoubt = !isTold;
     found.isInTrash = found.isInfoOfAct;
     found.isAtOrigin = found.isAtOrigin && !found.isInfoOfAct;
@@ -64,6 +67,11 @@ ActState LinuxTrash::settle(const TrashIntent& intent) {
     return ActState::unknown;
   }
   const auto trash = folders_.openHolding(intent.trashPath, *mounts);
+  // A Trash behind a link may be on a disk that is away.
+  const auto folder = reader_.attributes(parentPath(parentPath(intent.trashPath)), LinkPolicy::refuse);
+  if (!trash && folder && folder->identity.kind == FileKind::link) {
+    return ActState::unknown;
+  }
   if (!trash) {
     // Without its Trash nothing can be left there. Where neither place can be read, nothing is known.
     const auto origin = openItem(reader_, intent.originalPath);

@@ -16,6 +16,6 @@ bool SystemError::isLink() const { return code == ELOOP; }
 
 bool SystemError::isNoSpace() const { return code == ENOSPC || code == EDQUOT; }
 
-bool SystemError::isWithoutLocks() const { return code == ENOLCK || code == EOPNOTSUPP; }
+bool SystemError::isWithoutLocks() const { return code == ENOLCK || code == EOPNOTSUPP || code == ENOSYS; }
 
 }  // namespace lumenary

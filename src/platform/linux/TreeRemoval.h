@@ -36,7 +36,7 @@ class TreeRemoval {
   };
 
   SystemResult<Descriptor> open(const Descriptor& parent, const std::string& name, const KernelStatus& top);
-  SystemResult<void> removeFolder(const Descriptor& parent, const std::string& name, const KernelStatus& status);
+  SystemResult<void> removeFolder(const Descriptor& parent, const std::string& name, const KernelStatus& top);
   SystemResult<void> removeFiles(const Descriptor& folder, Level& level);
   SystemResult<Descriptor> leave(const Descriptor& folder, const Level& around);
   void note(const SystemError& error);
