@@ -3,7 +3,7 @@
 namespace lumenary {
 
 /// What the person is doing right now, as far as it decides whether they may be spoken to. No signal means no. The
-/// questions block for the time of a few round trips; from one thread at a time.
+/// questions block briefly, a second at most where the desktop doesn't answer; from one thread at a time.
 class Session {
  public:
   virtual ~Session() = default;

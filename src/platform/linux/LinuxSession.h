@@ -1,6 +1,9 @@
 #pragma once
 
+#include <chrono>
+#include <future>
 #include <string>
+#include <utility>
 
 #include "platform/Session.h"
 
@@ -10,9 +13,11 @@ namespace lumenary {
 /// microphone by the kernel's list of sound devices that record.
 class LinuxSession final : public Session {
  public:
-  /// `display` as in $DISPLAY, empty where there is none; `soundFolder` is /proc/asound.
-  LinuxSession(std::string display, std::string soundFolder)
-      : display_(std::move(display)), soundFolder_(std::move(soundFolder)) {}
+  /// `display` as in $DISPLAY, empty where there is none; `soundFolder` is /proc/asound. A display that doesn't answer
+  /// within `patience` gave no signal.
+  LinuxSession(std::string display, std::string soundFolder,
+               std::chrono::milliseconds patience = std::chrono::seconds(1))
+      : display_(std::move(display)), soundFolder_(std::move(soundFolder)), patience_(patience) {}
 
   bool isFullScreenAppInFront() const override;
   bool isMicrophoneInUse() const override;
@@ -20,6 +25,8 @@ class LinuxSession final : public Session {
  private:
   std::string display_;
   std::string soundFolder_;
+  std::chrono::milliseconds patience_;
+  mutable std::future<bool> answer_;  ///< of the display, to the last question
 };
 
 }  // namespace lumenary

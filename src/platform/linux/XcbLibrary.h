@@ -11,12 +11,15 @@ struct XcbLibrary {
   decltype(&xcb_connection_has_error) hasError = nullptr;
   decltype(&xcb_get_setup) setup = nullptr;
   decltype(&xcb_setup_roots_iterator) roots = nullptr;
+  decltype(&xcb_screen_next) nextScreen = nullptr;
   decltype(&xcb_intern_atom) internAtom = nullptr;
   decltype(&xcb_intern_atom_reply) internAtomReply = nullptr;
   decltype(&xcb_get_property) getProperty = nullptr;
   decltype(&xcb_get_property_reply) getPropertyReply = nullptr;
   decltype(&xcb_get_property_value) propertyValue = nullptr;
   decltype(&xcb_get_property_value_length) propertyLength = nullptr;
+  decltype(&xcb_get_geometry) getGeometry = nullptr;
+  decltype(&xcb_get_geometry_reply) getGeometryReply = nullptr;
 
   /// Null where this machine has none. From any thread.
   static const XcbLibrary* opened();
