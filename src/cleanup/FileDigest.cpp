@@ -106,19 +106,52 @@ class PieceQueue {
   bool isClosed_ = false;
 };
 
+/// Looks at each piece of a file before it is asked for, and afterwards lets go of those that weren't in memory: what
+/// others keep there stays.
+class PassingPieces {
+ public:
+  PassingPieces(const ContentReader& contents, const Descriptor& file) : contents_(contents), file_(file) {
+    for (std::uint64_t index = 0; index < pieceCount; ++index) {
+      ask(index);
+    }
+  }
+
+  void wasRead(std::uint64_t index) {
+    if (!wasThere_.at(index % pieceCount)) {
+      contents_.release(file_, index * pieceBytes, pieceBytes);
+    }
+    ask(index + pieceCount);
+  }
+
+ private:
+  void ask(std::uint64_t index) {
+    const std::uint64_t offset = index * pieceBytes;
+    const bool isThere = contents_.isInMemory(file_, offset + (pieceBytes / 2));
+    wasThere_.at(index % pieceCount) = isThere;
+    if (!isThere) {
+      contents_.willRead(file_, offset, pieceBytes);
+    }
+  }
+
+  const ContentReader& contents_;
+  const Descriptor& file_;
+  std::array<bool, pieceCount> wasThere_{};
+};
+
 /// The reading thread's work: the whole file from its beginning, a piece at a time.
 void readAll(const ContentReader& contents, const Descriptor& file, PieceQueue& queue) {
-  for (std::uint64_t offset = 0;; offset += pieceBytes) {
+  PassingPieces passing(contents, file);
+  for (std::uint64_t index = 0;; ++index) {
     PieceQueue::Piece* const piece = queue.toFill();
     if (piece == nullptr) {
       return;
     }
-    contents.willRead(file, offset + pieceBytes, pieceCount * pieceBytes);
-    const auto count = contents.read(file, offset, piece->bytes);
+    const auto count = contents.read(file, index * pieceBytes, piece->bytes);
     piece->isReadable = count.has_value();
     piece->count = count.value_or(0);
     const bool isLast = piece->isLast();
     queue.fill();
+    passing.wasRead(index);
     if (isLast) {
       return;
     }
@@ -169,11 +202,6 @@ std::optional<std::string> partialDigest(const ContentReader& contents, const De
 
 std::optional<std::string> fullDigest(const ContentReader& contents, const Descriptor& file,
                                       const std::stop_token& stop) {
-  const auto stamp = contents.stamp(file);
-  if (!stamp) {
-    return std::nullopt;
-  }
-  const PassingPart part(contents, file, 0, static_cast<std::uint64_t>(stamp->byteCount));
   PieceQueue queue;
   std::jthread reader;
   try {
