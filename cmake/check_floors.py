@@ -6,7 +6,7 @@ import pathlib
 import re
 import sys
 
-FLOORS = ["base", "platform", "storage", "cleanup", "cleanup/command", "core", "surfaces"]
+FLOORS = ["base", "platform", "storage", "cleanup", "cleanup/command", "monitoring", "apps", "core", "surfaces"]
 
 SYSTEM_FOLDERS = ("platform/linux/", "base/linux/")
 LIBRARIES = {

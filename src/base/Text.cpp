@@ -131,6 +131,15 @@ bool isReversibleAsItIs(std::string_view bytes) {
   return true;
 }
 
+bool isUTF8(std::string_view bytes) {
+  while (!bytes.empty()) {
+    if (!takePiece(bytes).isCharacter) {
+      return false;
+    }
+  }
+  return true;
+}
+
 std::string displayText(std::string_view bytes) {
   std::string text;
   text.reserve(bytes.size());

@@ -12,6 +12,9 @@ namespace lumenary {
 /// well-formed sequences; 0 where the first byte starts none or `bytes` is empty.
 std::size_t utf8SequenceLength(std::string_view bytes);
 
+/// True for text that is well-formed throughout; the empty text is.
+bool isUTF8(std::string_view bytes);
+
 /// For a terminal or a screen: what isn't UTF-8, control characters, and the marks that reorder text or
 /// break lines become U+FFFD, one for each byte or character, so that no name can move the cursor.
 std::string displayText(std::string_view bytes);

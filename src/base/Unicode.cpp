@@ -62,7 +62,7 @@ std::string_view firstPiece(std::string_view text) {
   return text.substr(0, std::max<std::size_t>(1, utf8SequenceLength(text)));
 }
 
-bool isUTF8(std::string_view piece) { return utf8SequenceLength(piece) > 0; }
+bool isCharacter(std::string_view piece) { return utf8SequenceLength(piece) > 0; }
 
 }  // namespace
 
@@ -76,7 +76,7 @@ std::string caseFolded(std::string_view text) {
   result.resize(known);
   for (text.remove_prefix(known); !text.empty();) {
     const std::string_view piece = firstPiece(text);
-    if (isUTF8(piece)) {
+    if (isCharacter(piece)) {
       append(result, folded(characterAt(piece)));
     } else {
       result += piece;
@@ -90,7 +90,7 @@ std::string capitalised(std::string_view text) {
   std::string result;
   for (bool isInWord = false; !text.empty();) {
     const std::string_view piece = firstPiece(text);
-    if (isUTF8(piece)) {
+    if (isCharacter(piece)) {
       const utf8proc_int32_t character = characterAt(piece);
       append(result, isInWord ? utf8proc_tolower(character) : utf8proc_totitle(character));
       isInWord = isAlphanumeric(character) || (isInWord && piece == "'");
@@ -103,7 +103,7 @@ std::string capitalised(std::string_view text) {
 }
 
 std::string_view trimmed(std::string_view text) {
-  const auto isBlank = [](std::string_view piece) { return isUTF8(piece) && isWhiteSpace(characterAt(piece)); };
+  const auto isBlank = [](std::string_view piece) { return isCharacter(piece) && isWhiteSpace(characterAt(piece)); };
   while (!text.empty() && isBlank(firstPiece(text))) {
     text.remove_prefix(firstPiece(text).size());
   }
@@ -120,7 +120,7 @@ std::string alphanumericsOr(char replacement, std::string_view text) {
   std::string result;
   while (!text.empty()) {
     const std::string_view piece = firstPiece(text);
-    if (isUTF8(piece) && isAlphanumeric(characterAt(piece))) {
+    if (isCharacter(piece) && isAlphanumeric(characterAt(piece))) {
       result += piece;
     } else {
       result += replacement;

@@ -14,6 +14,7 @@
 #include "platform/Places.h"
 #include "platform/Session.h"
 #include "platform/Terminal.h"
+#include "platform/ToolRunner.h"
 #include "platform/Trash.h"
 #include "platform/TrashBin.h"
 #include "platform/VolumeReader.h"
@@ -33,6 +34,7 @@ struct Platform {
   std::unique_ptr<AppNames> appNames;
   std::unique_ptr<Defaults> defaults;
   std::unique_ptr<Session> session;
+  std::unique_ptr<ToolRunner> tools;
   std::unique_ptr<Terminal> terminal;
   std::unique_ptr<Interruption> interruption;
   std::function<Date()> now;

@@ -17,6 +17,7 @@
 #include "platform/linux/LinuxPlaces.h"
 #include "platform/linux/LinuxSession.h"
 #include "platform/linux/LinuxTerminal.h"
+#include "platform/linux/LinuxToolRunner.h"
 #include "platform/linux/LinuxTrash.h"
 #include "platform/linux/LinuxTrashBin.h"
 #include "platform/linux/LinuxVolumeReader.h"
@@ -57,6 +58,7 @@ Platform makePlatform() {
   platform.defaults = std::make_unique<LinuxDefaults>(*platform.files, places.defaultsFile);
   const char* const display = environment("DISPLAY");
   platform.session = std::make_unique<LinuxSession>(display == nullptr ? "" : display, "/proc/asound");
+  platform.tools = std::make_unique<LinuxToolRunner>();
   platform.terminal = std::make_unique<LinuxTerminal>();
   platform.now = [] { return std::chrono::floor<Date::duration>(std::chrono::system_clock::now()); };
   platform.probe = PerfProbe::of(std::getenv("LUMENARY_BENCH"), std::getenv("LUMENARY_OFF"));
