@@ -30,6 +30,9 @@ class ToolRunner {
   /// Runs the tool to its end, with nothing to read, its errors thrown away and its language set to plain English. None
   /// where it can't be started, says more than it may, or is still running at its time limit: then it is asked to end.
   virtual std::optional<ToolOutput> run(const ToolCommand& command) const = 0;
+  /// Starts a program that goes on by itself, and outlives this one, with nothing to read and nobody to hear it. False
+  /// where it can't be started; the limits don't count.
+  virtual bool start(const ToolCommand& command) const = 0;
 };
 
 /// What a tool wrote, whatever it exited with. None where `run` gives none or the bytes aren't UTF-8.

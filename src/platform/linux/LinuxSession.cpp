@@ -4,10 +4,9 @@
 #include <fstream>
 #include <string_view>
 #include <system_error>
-#include <thread>
 #include <vector>
 
-#include "platform/linux/X11FrontWindow.h"
+#include "platform/linux/X11Windows.h"
 
 namespace lumenary {
 namespace {
@@ -36,24 +35,8 @@ std::vector<fs::path> entries(const fs::path& folder, std::string_view begin, st
 }  // namespace
 
 bool LinuxSession::isFullScreenAppInFront() const {
-  const auto hasCome = [this](std::chrono::milliseconds wait) {
-    return answer_.wait_for(wait) == std::future_status::ready;
-  };
-  if (display_.empty() || (answer_.valid() && !hasCome({}))) {
-    return false;
-  }
-  // Even connecting waits without an end for a server that has stopped, so the question has a thread that can be left
-  // behind. There is never more than one.
-  std::promise<bool> question;
-  answer_ = question.get_future();
-  try {
-    std::thread([question = std::move(question), display = display_]() mutable {
-      question.set_value(isFrontWindowFullScreen(display));
-    }).detach();
-  } catch (const std::system_error&) {
-    return false;
-  }
-  return hasCome(patience_) && answer_.get();
+  return !display_.empty() &&
+         answer_.ask([display = display_] { return isFrontWindowFullScreen(display); }).value_or(false);
 }
 
 bool LinuxSession::isMicrophoneInUse() const {

@@ -1,11 +1,11 @@
 #pragma once
 
 #include <chrono>
-#include <future>
 #include <string>
 #include <utility>
 
 #include "platform/Session.h"
+#include "platform/linux/PatientAnswer.h"
 
 namespace lumenary {
 
@@ -17,7 +17,7 @@ class LinuxSession final : public Session {
   /// within `patience` gave no signal.
   LinuxSession(std::string display, std::string soundFolder,
                std::chrono::milliseconds patience = std::chrono::seconds(1))
-      : display_(std::move(display)), soundFolder_(std::move(soundFolder)), patience_(patience) {}
+      : display_(std::move(display)), soundFolder_(std::move(soundFolder)), answer_(patience) {}
 
   bool isFullScreenAppInFront() const override;
   bool isMicrophoneInUse() const override;
@@ -25,8 +25,7 @@ class LinuxSession final : public Session {
  private:
   std::string display_;
   std::string soundFolder_;
-  std::chrono::milliseconds patience_;
-  mutable std::future<bool> answer_;  ///< of the display, to the last question
+  mutable PatientAnswer<bool> answer_;
 };
 
 }  // namespace lumenary

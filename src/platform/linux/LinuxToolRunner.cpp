@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -24,14 +25,20 @@ using Clock = std::chrono::steady_clock;
 
 constexpr auto patience = std::chrono::seconds(1);  ///< for a tool that was asked to end
 
-/// The environment of this process, with messages in plain English.
-std::vector<std::string> toolEnvironment() {
-  std::vector<std::string> variables = {"LC_ALL=C"};
+enum class Language : std::uint8_t { plainEnglish, asTheyAre };
+
+/// The environment of this process, with messages in the language wanted.
+std::vector<std::string> toolEnvironment(Language language) {
+  const bool isPlain = language == Language::plainEnglish;
+  std::vector<std::string> variables;
   for (char** variable = environ; *variable != nullptr; ++variable) {
     const std::string_view text = *variable;
-    if (!text.starts_with("LC_ALL=") && !text.starts_with("LANGUAGE=")) {
+    if (!isPlain || (!text.starts_with("LC_ALL=") && !text.starts_with("LANGUAGE="))) {
       variables.emplace_back(text);
     }
+  }
+  if (isPlain) {
+    variables.emplace_back("LC_ALL=C");
   }
   return variables;
 }
@@ -49,7 +56,7 @@ std::vector<char*> pointers(std::vector<std::string>& texts) {
 /// What a child starts with: its three standard descriptors, a group of its own, and signals as they are by default.
 class SpawnPlan {
  public:
-  explicit SpawnPlan(int output) {
+  SpawnPlan(int output, Language language) : language_(language) {
     ::posix_spawn_file_actions_init(&actions_);
     ::posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     ::posix_spawn_file_actions_adddup2(&actions_, output, STDOUT_FILENO);
@@ -73,7 +80,7 @@ class SpawnPlan {
   std::optional<pid_t> start(const ToolCommand& command) const {
     std::vector<std::string> arguments = {command.path};
     arguments.insert(arguments.end(), command.arguments.begin(), command.arguments.end());
-    std::vector<std::string> environment = toolEnvironment();
+    std::vector<std::string> environment = toolEnvironment(language_);
     pid_t child = 0;
     const int error = ::posix_spawn(&child, command.path.c_str(), &actions_, &attributes_, pointers(arguments).data(),
                                     pointers(environment).data());
@@ -81,6 +88,7 @@ class SpawnPlan {
   }
 
  private:
+  Language language_;
   posix_spawn_file_actions_t actions_{};
   posix_spawnattr_t attributes_{};
 };
@@ -148,7 +156,7 @@ std::optional<ToolOutput> LinuxToolRunner::run(const ToolCommand& command) const
   Descriptor reading(ends[0]);
   Descriptor writing(ends[1]);
   const Clock::time_point deadline = Clock::now() + command.timeLimit;
-  const std::optional<pid_t> child = SpawnPlan(writing.number()).start(command);
+  const std::optional<pid_t> child = SpawnPlan(writing.number(), Language::plainEnglish).start(command);
   if (!child) {
     return std::nullopt;
   }
@@ -165,6 +173,18 @@ std::optional<ToolOutput> LinuxToolRunner::run(const ToolCommand& command) const
     leftAlone_.push_back(*child);
   }
   return std::nullopt;
+}
+
+bool LinuxToolRunner::start(const ToolCommand& command) const {
+  const Descriptor nowhere(::open("/dev/null", O_WRONLY | O_CLOEXEC));
+  if (!nowhere || ::access(command.path.c_str(), X_OK) != 0) {
+    return false;
+  }
+  // A child of a child that has ended is nobody's to wait for.
+  ToolCommand parent{.path = "/usr/bin/setsid", .arguments = {"--fork", command.path}};
+  parent.arguments.insert(parent.arguments.end(), command.arguments.begin(), command.arguments.end());
+  const std::optional<pid_t> child = SpawnPlan(nowhere.number(), Language::asTheyAre).start(parent);
+  return child && waitForEnd(*child, Clock::now() + parent.timeLimit) == 0;
 }
 
 void LinuxToolRunner::reapEarlierTools() const {

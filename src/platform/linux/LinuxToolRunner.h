@@ -15,6 +15,7 @@ namespace lumenary {
 class LinuxToolRunner final : public ToolRunner {
  public:
   std::optional<ToolOutput> run(const ToolCommand& command) const override;
+  bool start(const ToolCommand& command) const override;
 
  private:
   void reapEarlierTools() const;
