@@ -17,8 +17,8 @@ struct ToolCommand {
 };
 
 struct ToolOutput {
-  int status = 0;      ///< what it exited with; -1 where a signal ended it
-  std::string output;  ///< what it wrote to standard output, any bytes
+  int status = 0;        ///< what it exited with; -1 where a signal ended it
+  std::string output{};  ///< what it wrote to standard output, any bytes
 
   bool operator==(const ToolOutput&) const = default;
 };

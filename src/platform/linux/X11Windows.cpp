@@ -91,14 +91,14 @@ class Display {
     return isOne ? std::optional(static_cast<std::int32_t>(pid.front())) : std::nullopt;
   }
 
-  /// Asks the window manager to close a window.
-  void close(const xcb_screen_t& screen, xcb_window_t window) const {
+  /// Asks the window manager to close a window; `message` is the atom of that request.
+  void close(const xcb_screen_t& screen, xcb_window_t window, xcb_atom_t message) const {
     constexpr std::uint32_t asAPersonWould = 2;
     xcb_client_message_event_t event{};
     event.response_type = XCB_CLIENT_MESSAGE;
     event.format = 32;
     event.window = window;
-    event.type = atom("_NET_CLOSE_WINDOW");
+    event.type = message;
     event.data.data32[1] = asAPersonWould;
     xcb_.sendEvent(connection_, 0, screen.root,
                    XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
@@ -158,7 +158,8 @@ bool closeWindowsOf(const std::string& display, std::int32_t pid) {
   }
   const Display server(*xcb, display);
   const xcb_screen_t* const screen = server.screen();
-  if (screen == nullptr) {
+  const xcb_atom_t message = server.atom("_NET_CLOSE_WINDOW");
+  if (screen == nullptr || message == 0) {
     return false;
   }
   std::array<char, 256> machine{};
@@ -166,7 +167,7 @@ bool closeWindowsOf(const std::string& display, std::int32_t pid) {
   bool isAsked = false;
   for (const xcb_window_t window : server.numbers(screen->root, "_NET_CLIENT_LIST", XCB_ATOM_WINDOW)) {
     if (server.processOf(window) == pid && server.text(window, "WM_CLIENT_MACHINE") == machine.data()) {
-      server.close(*screen, window);
+      server.close(*screen, window, message);
       isAsked = true;
     }
   }
