@@ -13,6 +13,7 @@ import cleanup
 import duplicates
 import gate
 import home
+import live
 import measuring
 import plan
 import scan
@@ -20,7 +21,7 @@ import search
 import store
 
 BENCHES = {"cleanup": cleanup.run, "scan": scan.run, "store": store.run, "search": search.run,
-           "duplicates": duplicates.run, "plan": plan.run}
+           "duplicates": duplicates.run, "plan": plan.run, "live": live.run}
 CHECKS = {"gate": gate.run, "home": home.run}  # not a part of everything
 
 TOP = pathlib.Path(__file__).resolve().parent.parent

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <map>
 #include <set>
 #include <tuple>
@@ -20,7 +21,8 @@ constexpr std::array projectMarkers = std::to_array<std::string_view>(
 constexpr std::array interpreters = std::to_array<std::string_view>(
     {"node", "python", "python3", "ruby", "bun", "deno", "java", "php", "npx", "sh", "bash", "zsh"});
 
-constexpr std::size_t argumentBytes = std::size_t{16} * 1024;
+constexpr std::chrono::seconds longestUnlooked{30};
+constexpr std::size_t argumentBytes = std::size_t{4} * 1024;
 constexpr std::size_t wordsShown = 4;
 constexpr std::size_t longestCommand = 48;  ///< characters
 
@@ -60,9 +62,21 @@ PortInspector::PortInspector(const SocketReader& sockets, const ProcessReader& p
     // A process's folder is told with all links resolved.
     : sockets_(sockets), processes_(processes), files_(files), home_(files.realPath(home).value_or(home)) {}
 
-std::vector<PortEntry> PortInspector::inspect() const {
-  const std::vector<ListeningSocket> sockets = sockets_.listening();
-  const std::vector<SocketHolder> holders = sockets_.holders(sockets);
+std::vector<PortEntry> PortInspector::inspect() const { return look().ports; }
+
+std::vector<PortEntry> PortInspector::listeningPorts(Date now) {
+  const std::lock_guard guard(lock_);
+  const bool isFresh = last_ && now >= lastAt_ && now - lastAt_ < longestUnlooked;
+  if (!isFresh || sockets_.listening() != last_->sockets || !sockets_.areStillHeld(last_->holders)) {
+    last_ = look();
+    lastAt_ = now;
+  }
+  return last_->ports;
+}
+
+PortInspector::Look PortInspector::look() const {
+  std::vector<ListeningSocket> sockets = sockets_.listening();
+  std::vector<SocketHolder> holders = sockets_.holders(sockets);
   std::multimap<std::uint64_t, std::int32_t> holdersOf;
   for (const SocketHolder& holder : holders) {
     holdersOf.emplace(holder.number, holder.pid);
@@ -103,16 +117,16 @@ std::vector<PortEntry> PortInspector::inspect() const {
   std::ranges::sort(ports, {}, [](const PortEntry& entry) {
     return std::tie(entry.port, entry.protocolName, entry.processName, entry.pid, entry.address);
   });
-  return ports;
+  return {.sockets = std::move(sockets), .holders = std::move(holders), .ports = std::move(ports)};
 }
 
 PortInspector::ProcessDetails PortInspector::processDetails(std::int32_t pid, ProjectCache& projectCache) const {
   ProcessDetails details;
-  const std::string name = processes_.name(pid).value_or("");
-  details.name = name.empty() ? "PID " + std::to_string(pid) : displayText(name);
-  if (const auto record = processes_.record(pid)) {
-    details.startedAt = record->startedAt;
-    details.ownerUID = record->uid;
+  details.name = "PID " + std::to_string(pid);
+  if (const auto process = processes_.namedRecord(pid)) {
+    details.name = process->name.empty() ? details.name : displayText(process->name);
+    details.startedAt = process->record.startedAt;
+    details.ownerUID = process->record.uid;
   }
   if (const auto folder = processes_.workingFolder(pid)) {
     const auto [project, isNew] = projectCache.try_emplace(*folder);

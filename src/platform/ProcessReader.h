@@ -22,6 +22,14 @@ struct ProcessRecord {
   bool operator==(const ProcessRecord&) const = default;
 };
 
+struct NamedProcess {
+  ProcessRecord record;
+  /// As it calls itself; the whole name of its program where the kernel has only the beginning. May be empty.
+  std::string name;
+
+  bool operator==(const NamedProcess&) const = default;
+};
+
 struct ProcessUsage {
   std::int32_t pid = 0;
   std::uint64_t cpuNanoseconds = 0;  ///< since its start
@@ -60,8 +68,8 @@ class ProcessReader {
   virtual void appsChanged() = 0;
 
   virtual std::optional<ProcessRecord> record(std::int32_t pid) const = 0;
-  /// As it calls itself, not empty; the whole name of its program where the kernel has only the beginning.
-  virtual std::optional<std::string> name(std::int32_t pid) const = 0;
+  /// The same with its name.
+  virtual std::optional<NamedProcess> namedRecord(std::int32_t pid) const = 0;
   /// The file it runs; none where that can't be seen or was removed.
   virtual std::optional<std::string> executablePath(std::int32_t pid) const = 0;
   /// `ProcessUsage::appPath` as of now.

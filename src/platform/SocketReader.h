@@ -22,7 +22,8 @@ struct ListeningSocket {
 
 struct SocketHolder {
   std::int32_t pid = 0;
-  std::uint64_t number = 0;  ///< ListeningSocket::number
+  std::uint64_t number = 0;     ///< ListeningSocket::number
+  std::int32_t descriptor = 0;  ///< the first of the process's descriptors that is this socket
 
   auto operator<=>(const SocketHolder&) const = default;
 };
@@ -31,10 +32,13 @@ struct SocketHolder {
 class SocketReader {
  public:
   virtual ~SocketReader() = default;
+  /// By number.
   virtual std::vector<ListeningSocket> listening() const = 0;
   /// Every process that holds one of the sockets, each once, by process and number. Processes whose files may not be
-  /// seen hold nothing.
+  /// seen hold nothing. Looks at all open files of all processes.
   virtual std::vector<SocketHolder> holders(std::span<const ListeningSocket> sockets) const = 0;
+  /// Whether all of them still hold what they held.
+  virtual bool areStillHeld(std::span<const SocketHolder> holders) const = 0;
 };
 
 }  // namespace lumenary

@@ -21,7 +21,7 @@ class ProcessActions : public ::testing::Test {
     run(40, 30, {"sh", "-c", "vite --watch"});
     run(serverID, 40, {"node", "server.js"});
     processes.sockets = {{SocketProtocol::tcp, "127.0.0.1", 3000, me, 7}};
-    processes.held = {{serverID, 7}};
+    processes.held = {{serverID, 7, 3}};
     control.onTerminate = [this](std::int32_t pid) { end(pid); };
     waitAction = [](int) { return true; };
     shown = ports.inspect().front();
@@ -124,7 +124,7 @@ TEST_F(ProcessActions, TellsWhenSomethingStartedItAgain) {
   waitAction = [this](int) {
     run(51, 1, {"node", "server.js"});
     processes.sockets = {{SocketProtocol::tcp, "127.0.0.1", 3000, me, 8}};
-    processes.held = {{51, 8}};
+    processes.held = {{51, 8, 3}};
     return true;
   };
   EXPECT_EQ(stop(), (NotchActionResult{.title = ":3000 came back",

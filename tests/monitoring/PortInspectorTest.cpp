@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -85,7 +87,7 @@ TEST(PortInspector, ListsEachPortOfEachProcessOnce) {
                        {SocketProtocol::udp, "127.0.0.1", 3000, 1000, 9},
                        {SocketProtocol::tcp, "::1", 22, 0, 10},
                        {SocketProtocol::tcp, "", 80, 33, 11}};
-  processes.held = {{50, 7}, {50, 8}, {50, 9}, {51, 9}, {60, 11}};
+  processes.held = {{50, 7, 3}, {50, 8, 4}, {50, 9, 5}, {51, 9, 5}, {60, 11, 3}};
   const LinuxFileReader files;
   const PortEntry server{.processName = "node",
                          .pid = 50,
@@ -106,6 +108,34 @@ TEST(PortInspector, ListsEachPortOfEachProcessOnce) {
   const PortEntry nameless{.processName = "PID 60", .pid = 60, .protocolName = "TCP", .address = "*", .port = 80};
   EXPECT_EQ(PortInspector(processes, processes, files, home.root()).inspect(),
             (std::vector<PortEntry>{unseen, nameless, server, vanished, datagrams}));
+}
+
+TEST(PortInspector, LooksAtAllProcessesOnlyWhenSomethingChanged) {
+  FakeProcesses processes;
+  processes.sockets = {{SocketProtocol::tcp, "::", 3000, 1000, 7}};
+  processes.held = {{50, 7, 3}};
+  const LinuxFileReader files;
+  PortInspector ports(processes, processes, files, "/home/anna");
+  struct Step {
+    const char* name;
+    int second;
+    std::function<void()> change;
+    int looks;
+  };
+  const std::vector<Step> steps = {
+      {"the first time", 0, [] {}, 1},
+      {"nothing happened", 29, [] {}, 1},
+      {"half a minute later", 30, [] {}, 2},
+      {"another socket", 31, [&] { processes.sockets.push_back({SocketProtocol::udp, "::", 53, 0, 8}); }, 3},
+      {"nothing happened, and one can't be seen", 32, [] {}, 3},
+      {"another process has it", 33, [&] { processes.held.front().pid = 51; }, 4},
+      {"the clock was set back", 0, [] {}, 5},
+  };
+  for (const Step& step : steps) {
+    step.change();
+    EXPECT_EQ(ports.listeningPorts(Date(std::chrono::seconds(step.second))).size(), processes.sockets.size());
+    EXPECT_EQ(processes.looks, step.looks) << step.name;
+  }
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <string>
+#include <utility>
 
 #include "monitoring/NotchProcessActions.h"
 #include "platform/linux/LinuxAppControl.h"
@@ -54,12 +55,9 @@ class RealServer : public ::testing::Test {
     [[maybe_unused]] const int made = ::pipe2(output_.data(), 0);
   }
   ~RealServer() override {
-    for (const pid_t pid : {first_, server_}) {
-      if (pid > 0) {
-        ::kill(pid, SIGKILL);
-      }
-    }
     if (first_ > 0) {
+      // Its number is nobody else's as long as nobody asked how it ended, and so is that of its group.
+      ::kill(-first_, SIGKILL);
       ::waitpid(first_, nullptr, 0);
     }
     for (const int end : output_) {
@@ -71,6 +69,7 @@ class RealServer : public ::testing::Test {
   void start(const std::vector<std::string>& words) {
     first_ = ::fork();
     if (first_ == 0) {
+      ::setpgid(0, 0);
       ::dup2(output_[1], STDOUT_FILENO);
       ::close(output_[0]);
       [[maybe_unused]] const int moved = ::chdir(home_.path("project").c_str());
@@ -106,11 +105,8 @@ class RealServer : public ::testing::Test {
     return std::ranges::find(ports, std::int64_t{port_}, &PortEntry::port) != ports.end();
   }
 
-  /// A child that ended may be forgotten, so that nothing of it is left.
-  void forget(pid_t pid) {
-    ::waitpid(pid, nullptr, 0);
-    first_ = -1;
-  }
+  /// Asks how the first process ended, so that nothing of it is left.
+  void forget() { ::waitpid(std::exchange(first_, -1), nullptr, 0); }
 
   TemporaryHome home_;
   FakeRegistry registry_;
@@ -149,7 +145,7 @@ TEST_F(RealServer, IsFoundWithItsProjectAndStopped) {
   };
   EXPECT_EQ(actions(waitForTheEnd).stop(entry), (NotchActionResult{.title = "Server stopped"}));
   EXPECT_EQ(actions(waitForTheEnd).stop(entry).title, "Server changed or already stopped");
-  forget(server_);
+  forget();
 }
 
 TEST_F(RealServer, IsLeftAloneWhereItIgnoresTheRequest) {
@@ -184,7 +180,7 @@ TEST_F(RealServer, IsStoppedWithWhatWouldStartItAgain) {
   };
   EXPECT_EQ(actions(waitForTheEnd).stop(shown()).title, "Server stopped");
   EXPECT_FALSE(isListening());
-  forget(first_);
+  forget();
 }
 
 TEST_F(RealServer, IsNeverThisProgram) {

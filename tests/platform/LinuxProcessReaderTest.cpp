@@ -140,7 +140,7 @@ TEST(LinuxProcessReader, MeasuresAProcess) {
     const auto before = usageOf(reader, child.pid);
     ASSERT_TRUE(before);
     EXPECT_EQ(before->appPath, std::filesystem::read_symlink("/proc/self/exe").string());
-    EXPECT_EQ(reader.name(child.pid), "a) R 1 (\n\x1b");
+    EXPECT_EQ(reader.namedRecord(child.pid)->name, "a) R 1 (\n\x1b");
 
     child.goOn();
     const auto after = usageOf(reader, child.pid);
@@ -207,7 +207,7 @@ TEST(LinuxProcessReader, TellsWhoAProcessIs) {
   ::kill(gone, SIGKILL);
   ::waitpid(gone, nullptr, 0);
   EXPECT_EQ(reader.record(gone), std::nullopt);
-  EXPECT_EQ(reader.name(gone), std::nullopt);
+  EXPECT_EQ(reader.namedRecord(gone), std::nullopt);
   EXPECT_EQ(reader.workingFolder(gone), std::nullopt);
   EXPECT_TRUE(reader.arguments(gone, 1000).empty());
 }

@@ -67,8 +67,12 @@ TEST(LinuxSocketReader, FindsWhatListens) {
     ASSERT_EQ(found.size(), 1U) << one.address;
     const auto protocol = one.type == SOCK_STREAM ? SocketProtocol::tcp : SocketProtocol::udp;
     EXPECT_EQ(found.front(), (ListeningSocket{protocol, one.address, made.port, ::geteuid(), found.front().number}));
-    const pid_t self = ::getpid();
-    EXPECT_EQ(reader.holders(found), (std::vector<SocketHolder>{{self, found.front().number}}));
+    const SocketHolder own{.pid = ::getpid(), .number = found.front().number, .descriptor = made.socket.number()};
+    EXPECT_EQ(reader.holders(found), std::vector<SocketHolder>{own});
+    EXPECT_TRUE(reader.areStillHeld(std::vector<SocketHolder>{own}));
+    SocketHolder other = own;
+    ++other.number;
+    EXPECT_FALSE(reader.areStillHeld(std::vector<SocketHolder>{own, other}));
     const ChildProcess heir({[] {}});
     EXPECT_EQ(reader.holders(found).size(), 2U) << "a child has it as well";
   }

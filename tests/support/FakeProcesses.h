@@ -38,9 +38,8 @@ class FakeProcesses final : public ProcessReader, public SocketReader {
   std::optional<ProcessRecord> record(std::int32_t pid) const override {
     return told(pid, [](const FakeProcess& process) { return process.record; });
   }
-  std::optional<std::string> name(std::int32_t pid) const override {
-    const auto name = told(pid, [](const FakeProcess& process) { return process.name; });
-    return name && !name->empty() ? name : std::nullopt;
+  std::optional<NamedProcess> namedRecord(std::int32_t pid) const override {
+    return told(pid, [](const FakeProcess& process) { return NamedProcess{process.record, process.name}; });
   }
   std::optional<std::string> executablePath(std::int32_t) const override { return std::nullopt; }
   std::string appPath(std::int32_t pid) const override {
@@ -54,7 +53,15 @@ class FakeProcesses final : public ProcessReader, public SocketReader {
   }
 
   std::vector<ListeningSocket> listening() const override { return sockets; }
-  std::vector<SocketHolder> holders(std::span<const ListeningSocket>) const override { return held; }
+  std::vector<SocketHolder> holders(std::span<const ListeningSocket>) const override {
+    ++looks;
+    return held;
+  }
+  bool areStillHeld(std::span<const SocketHolder> holders) const override {
+    return std::ranges::all_of(holders,
+                               [this](const auto& holder) { return std::ranges::find(held, holder) != held.end(); });
+  }
+  mutable int looks = 0;  ///< at the open files of all processes
 
  private:
   template <class Field>

@@ -3,6 +3,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <time.h>
 #include <unistd.h>
@@ -241,40 +242,46 @@ const RegisteredApp* LinuxProcessReader::appOf(std::int32_t pid, const AppAttrib
 }
 
 std::optional<ProcessRecord> LinuxProcessReader::record(std::int32_t pid) const {
-  std::array<char, 4096> statBuffer{};
-  std::array<char, 4096> statusBuffer{};
-  const Descriptor statFile = openFile(processes_, pid, "stat");
-  const Descriptor statusFile = openFile(processes_, pid, "status");
-  if (!statFile || !statusFile) {
-    return std::nullopt;
-  }
-  const auto status = parseProcessStatus(readFromStart(statusFile.number(), statusBuffer));
-  // Read last: where this answers, both descriptors were of one process.
-  const auto stat = parseProcessStat(readFromStart(statFile.number(), statBuffer));
-  if (!stat || !status || stat->hasEnded()) {
-    return std::nullopt;
-  }
-  const auto sinceStart = std::chrono::microseconds(stat->startTicks * (1'000'000 / ticksPerSecond_));
-  return ProcessRecord{
-      .pid = pid, .parent = stat->parent, .uid = status->uid, .startedAt = startOfMachine_ + sinceStart};
+  const auto named = namedRecord(pid);
+  return named ? std::optional(named->record) : std::nullopt;
 }
 
-std::optional<std::string> LinuxProcessReader::name(std::int32_t pid) const {
+std::optional<NamedProcess> LinuxProcessReader::namedRecord(std::int32_t pid) const {
   std::array<char, 4096> buffer{};
   const Descriptor file = openFile(processes_, pid, "stat");
   const auto stat = file ? parseProcessStat(readFromStart(file.number(), buffer)) : std::nullopt;
-  if (!stat || stat->name.empty()) {
+  if (!stat || stat->hasEnded()) {
     return std::nullopt;
   }
-  std::string name(stat->name);
-  if (name.size() == longestName) {
+  const auto sinceStart = std::chrono::microseconds(stat->startTicks * (1'000'000 / ticksPerSecond_));
+  NamedProcess named{.record = {.pid = pid, .parent = stat->parent, .startedAt = startOfMachine_ + sinceStart},
+                     .name = std::string(stat->name)};
+  const auto uid = userOf(pid, file);
+  if (!uid) {
+    return std::nullopt;
+  }
+  named.record.uid = *uid;
+  if (named.name.size() == longestName) {
     const std::string path = executablePath(pid).value_or("");
     const std::string_view program = lastPathComponent(path);
-    if (program.starts_with(name)) {
-      name = program;
+    if (program.starts_with(named.name)) {
+      named.name = program;
     }
   }
-  return name;
+  return named;
+}
+
+/// The files of a process belong to whom it acts as. Those of one that hides what it holds belong to root; then its
+/// longer text tells, which takes several times as long to ask for. Root itself may see everything anyway.
+std::optional<std::uint32_t> LinuxProcessReader::userOf(std::int32_t pid, const Descriptor& stat) const {
+  struct ::stat attributes{};
+  if (::fstat(stat.number(), &attributes) == 0 && (attributes.st_uid != 0 || ::geteuid() == 0)) {
+    return attributes.st_uid;
+  }
+  std::array<char, 4096> buffer{};
+  const Descriptor file = openFile(processes_, pid, "status");
+  const auto status = file ? parseProcessStatus(readFromStart(file.number(), buffer)) : std::nullopt;
+  return status ? std::optional(status->uid) : std::nullopt;
 }
 
 std::optional<std::string> LinuxProcessReader::executablePath(std::int32_t pid) const {

@@ -36,7 +36,7 @@ class LinuxProcessReader final : public ProcessReader {
   void appsChanged() override { mustAskForApps_ = true; }
 
   std::optional<ProcessRecord> record(std::int32_t pid) const override;
-  std::optional<std::string> name(std::int32_t pid) const override;
+  std::optional<NamedProcess> namedRecord(std::int32_t pid) const override;
   std::optional<std::string> executablePath(std::int32_t pid) const override;
   std::string appPath(std::int32_t pid) const override;
   std::optional<std::string> workingFolder(std::int32_t pid) const override;
@@ -74,6 +74,7 @@ class LinuxProcessReader final : public ProcessReader {
   void place(std::int32_t pid, Known& known);
   const RegisteredApp* appOf(std::int32_t pid, const AppAttribution& apps, std::string& executable) const;
   std::shared_ptr<const AppAttribution> knownApps() const;
+  std::optional<std::uint32_t> userOf(std::int32_t pid, const Descriptor& stat) const;
 
   const AppRegistry& registry_;
   std::size_t descriptorLimit_;

@@ -180,8 +180,11 @@ void forEachEntry(const Descriptor& folder, std::span<char> buffer, Visit visit)
   }
 }
 
-/// The number in "socket:[123]"; 0 for another link.
-std::uint64_t socketNumber(std::string_view target) {
+/// The number of the socket that a link "socket:[123]" stands for; 0 for another link.
+std::uint64_t socketNumber(const Descriptor& folder, const char* file) {
+  std::array<char, 32> buffer{};
+  const ssize_t length = ::readlinkat(folder.number(), file, buffer.data(), buffer.size());
+  const std::string_view target(buffer.data(), static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
   constexpr std::string_view beginning = "socket:[";
   return target.starts_with(beginning) ? numberAtFront(target.substr(beginning.size())) : 0;
 }
@@ -200,15 +203,15 @@ std::vector<ListeningSocket> parseSocketTable(std::string_view table, SocketProt
 }
 
 std::vector<ListeningSocket> LinuxSocketReader::listening() const {
-  if (auto sockets = askKernel()) {
-    return std::move(*sockets);
+  std::vector<ListeningSocket> sockets = askKernel().value_or(std::vector<ListeningSocket>());
+  if (sockets.empty()) {
+    for (const Table& table : tables) {
+      std::ifstream file(table.file, std::ios::binary);
+      const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+      std::ranges::copy(parseSocketTable(text, table.protocol, table.isIPv6), std::back_inserter(sockets));
+    }
   }
-  std::vector<ListeningSocket> sockets;
-  for (const Table& table : tables) {
-    std::ifstream file(table.file, std::ios::binary);
-    const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    std::ranges::copy(parseSocketTable(text, table.protocol, table.isIPv6), std::back_inserter(sockets));
-  }
+  std::ranges::sort(sockets, {}, &ListeningSocket::number);
   return sockets;
 }
 
@@ -238,19 +241,25 @@ std::vector<SocketHolder> LinuxSocketReader::holders(std::span<const ListeningSo
       return;
     }
     forEachEntry(files, ofFiles, [&](const char* file) {
-      std::array<char, 32> target{};
-      const ssize_t length = ::readlinkat(files.number(), file, target.data(), target.size());
-      const std::string_view text(target.data(), static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
-      const std::uint64_t number = socketNumber(text);
+      const std::uint64_t number = socketNumber(files, file);
       if (number != 0 && std::ranges::binary_search(numbers, number)) {
-        holders.push_back({.pid = pid, .number = number});
+        holders.push_back({.pid = pid, .number = number, .descriptor = numberAtFront<std::int32_t>(file)});
       }
     });
   });
   std::ranges::sort(holders);
-  const auto repeated = std::ranges::unique(holders);
+  const auto repeated = std::ranges::unique(
+      holders, [](const auto& one, const auto& next) { return one.pid == next.pid && one.number == next.number; });
   holders.erase(repeated.begin(), repeated.end());
   return holders;
+}
+
+bool LinuxSocketReader::areStillHeld(std::span<const SocketHolder> holders) const {
+  const Descriptor processes(::open("/proc", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  return std::ranges::all_of(holders, [&](const SocketHolder& holder) {
+    const std::string link = std::to_string(holder.pid) + "/fd/" + std::to_string(holder.descriptor);
+    return socketNumber(processes, link.c_str()) == holder.number;
+  });
 }
 
 }  // namespace lumenary

@@ -14,6 +14,7 @@ class LinuxSocketReader final : public SocketReader {
  public:
   std::vector<ListeningSocket> listening() const override;
   std::vector<SocketHolder> holders(std::span<const ListeningSocket> sockets) const override;
+  bool areStillHeld(std::span<const SocketHolder> holders) const override;
 };
 
 /// The lines of /proc/net/{tcp,tcp6,udp,udp6}.

@@ -103,8 +103,10 @@ class Display {
     xcb_.sendEvent(connection_, 0, screen.root,
                    XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
                    reinterpret_cast<const char*>(&event));
-    xcb_.flush(connection_);
   }
+
+  /// Returns once the server has done what it was asked. Of a client that leaves at once it may not read the rest.
+  void waitUntilDone() const { atom("_NET_WM_PID"); }
 
   bool isAsLargeAs(const xcb_screen_t& screen, xcb_window_t window) const {
     const Answer<xcb_get_geometry_reply_t> size(
@@ -171,6 +173,7 @@ bool closeWindowsOf(const std::string& display, std::int32_t pid) {
       isAsked = true;
     }
   }
+  server.waitUntilDone();
   return isAsked;
 }
 

@@ -17,10 +17,8 @@ struct XcbLibrary {
   decltype(&xcb_get_property) getProperty = nullptr;
   decltype(&xcb_get_property_reply) getPropertyReply = nullptr;
   decltype(&xcb_get_property_value) propertyValue = nullptr;
-  decltype(&xcb_get_property_value_length) propertyLength = nullptr;
   decltype(&xcb_get_geometry) getGeometry = nullptr;
   decltype(&xcb_send_event) sendEvent = nullptr;
-  decltype(&xcb_flush) flush = nullptr;
   decltype(&xcb_get_geometry_reply) getGeometryReply = nullptr;
 
   /// Null where this machine has none. From any thread.
