@@ -26,7 +26,7 @@ std::optional<XcbLibrary> open() {
       look(library, "xcb_get_property_reply", xcb.getPropertyReply) &&
       look(library, "xcb_get_property_value", xcb.propertyValue) &&
       look(library, "xcb_get_geometry", xcb.getGeometry) && look(library, "xcb_send_event", xcb.sendEvent) &&
-      look(library, "xcb_flush", xcb.flush) && look(library, "xcb_get_geometry_reply", xcb.getGeometryReply);
+      look(library, "xcb_get_geometry_reply", xcb.getGeometryReply);
   return isWhole ? std::optional(xcb) : std::nullopt;
 }
 
