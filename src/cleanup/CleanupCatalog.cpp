@@ -94,7 +94,7 @@ std::optional<std::string> CleanupCatalog::appName(std::string_view folder) cons
   if (folder.contains('.')) {
     return apps_.nameOf(folder);  // never the identifier itself: it says nothing to a person
   }
-  return capitalised(folder);
+  return displayText(capitalised(folder));
 }
 
 const Rule* CleanupCatalog::named(std::string_view folder, Rule (*make)(const std::string& name)) const {
@@ -124,8 +124,11 @@ const Rule* CleanupCatalog::match(std::string_view path, std::string_view home) 
   }
   const LinuxMatch onLinux = matchLinuxRows(path, home);
   if (onLinux.row != nullptr) {
-    const auto* rule = std::get_if<Rule>(&onLinux.row->rule);
-    return rule != nullptr ? rule : named(onLinux.starred, std::get<LinuxRow::Template>(onLinux.row->rule));
+    const auto* plain = std::get_if<Rule>(&onLinux.row->rule);
+    const Rule* const rule =
+        plain != nullptr ? plain : named(onLinux.starred, std::get<LinuxRow::Template>(onLinux.row->rule));
+    const bool holdsMore = onLinux.holdsReview || onLinux.holdsKept;
+    return holdsMore && rule->verdict == Verdict::rebuildable ? nullptr : rule;
   }
   const bool isDownload = relative.starts_with("downloads/") ||
                           (!downloads_.empty() && path.size() > downloads_.size() && isSameOrInside(path, downloads_));

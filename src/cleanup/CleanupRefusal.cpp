@@ -38,6 +38,8 @@ std::string_view description(MoveRefusal error) {
       return "It was stopped before this item, so it stays.";
     case MoveRefusal::survivorGone:
       return "The copy that was to stay can't be found, so this one stays.";
+    case MoveRefusal::isSurvivor:
+      return "Its other copy just went because this one stays, so it stays.";
     case MoveRefusal::sameFile:
       return "Both names are one file, so nothing would be freed.";
     case MoveRefusal::copiesDiffer:

@@ -18,6 +18,7 @@ enum class CleanupSafetyError : std::uint8_t { missing, symbolicLink, protectedP
 enum class MoveRefusal : std::uint8_t {
   cancelled,
   survivorGone,  ///< the copy that was to stay isn't there any more, can't be read, or isn't in the person's reach
+  isSurvivor,    ///< a copy of it, or of something in it, has gone in the same act because this one stays
   sameFile,      ///< the two copies are one file under two names: nothing would be freed
   copiesDiffer,  ///< the two aren't the same any more
 };

@@ -2,6 +2,7 @@
 
 #include "base/Path.h"
 #include "base/Text.h"
+#include "cleanup/LinuxCatalog.h"
 
 namespace lumenary {
 namespace {
@@ -30,6 +31,9 @@ CleanupTier cleanupTier(const FileEntry& entry, const CleanupCatalog& catalog, c
   const bool isFolder = entry.kind == FileEntry::Kind::directory;
   if (isFolder && gate.isRegenerableRoot(standardise(entry.url.path))) {
     return CleanupTier::recommended;
+  }
+  if (matchLinuxRows(standardise(entry.url.path), gate.home()).holdsReview) {
+    return CleanupTier::review;
   }
   const std::string lowered = loweredASCII(entry.url.path);
   const bool isCache =

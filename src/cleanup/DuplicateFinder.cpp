@@ -44,7 +44,8 @@ bool isCandidate(const FileEntry& entry, const DuplicateFinder::CanMove& canMove
     return false;
   }
   const std::string lowered = loweredASCII(entry.url.path);
-  return !lowered.contains(".photoslibrary/") && !lowered.contains(".app/") && canMove(entry);
+  return !lowered.contains(".photoslibrary/") && !lowered.contains(".app/") && !isInTrash(entry.url.path) &&
+         canMove(entry);
 }
 
 /// A file without a digest stands alone.

@@ -54,10 +54,17 @@ bool keepFirst(const FileEntry& a, const FileEntry& b) {
   if (isDownload(a) != isDownload(b)) {
     return !isDownload(a);
   }
-  if (a.modifiedAt && b.modifiedAt && *a.modifiedAt != *b.modifiedAt) {
-    return *a.modifiedAt < *b.modifiedAt;
+  // A file without a date is younger than any other, so that no three files can each come before the next.
+  constexpr Date latest = Date::max();
+  if (const Date ofA = a.modifiedAt.value_or(latest), ofB = b.modifiedAt.value_or(latest); ofA != ofB) {
+    return ofA < ofB;
   }
   return a.url.path < b.url.path;
+}
+
+bool isInTrash(std::string_view path) {
+  return path.contains("/Trash/files/") || path.contains("/.Trash/") || path.contains("/.Trash-") ||
+         path.contains("/.Trashes/");
 }
 
 }  // namespace lumenary

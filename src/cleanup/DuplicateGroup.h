@@ -22,6 +22,10 @@ struct DuplicateGroup {
 /// the smaller path; the first difference decides.
 bool keepFirst(const FileEntry& a, const FileEntry& b);
 
+/// True for what lies in a Trash, be it the person's, a volume's or a confined app's own: its copy elsewhere is the
+/// only one that lasts.
+bool isInTrash(std::string_view path);
+
 /// A name as a copy is given: "report copy.pdf", "report (1).pdf", "report-2.pdf".
 bool looksLikeCopy(std::string_view name);
 

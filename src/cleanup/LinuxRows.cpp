@@ -61,7 +61,17 @@ Rule syncFolder(const std::string& name) {
           "Files that " + name + " keeps the same here and in your account.",
           keep,
           "What goes here goes from your account and your other devices too.",
-          "Choose \"free up space\" in " + name + ", which removes the local copy only."};
+          "Leave folders you don't need here out of syncing, in the settings of " + name + "."};
+}
+
+/// The index of an IDE, in which it also keeps the Local History.
+Rule localHistory(const std::string& maker) {
+  return {maker + " index and Local History",
+          maker,
+          "Indexes of your projects, and the Local History.",
+          review,
+          "Local History, an undo for lost changes, is gone; indexes are made again.",
+          "File → Invalidate Caches in the IDE lets you keep the Local History."};
 }
 
 Rule searchIndex(std::string betterWay) {
@@ -186,7 +196,7 @@ std::span<const LinuxRow> linuxRows() {
        Rule{"Thumbnails", "Your desktop", "Small previews of your pictures, videos and documents.", rebuildable,
             "Made again as you look at folders."}},
       {"~/.cache/{mesa_shader_cache*,radv_builtin_shaders*}", shaderCache("The graphics driver")},
-      {"~/{.cache/nvidia,.nv}", shaderCache("The NVIDIA driver")},
+      {"~/{.cache/nvidia,.nv/ComputeCache,.nv/GLCache}", shaderCache("The NVIDIA driver")},
       {"**/steamapps/shadercache", shaderCache("Steam")},
       {"**/steamapps/compatdata",
        Rule{"Windows game data", "Steam", "The small Windows that each Windows game runs in. It may hold saved games.",
@@ -200,6 +210,15 @@ std::span<const LinuxRow> linuxRows() {
 
       // Where apps come from.
       {"~/{snap/*/*/.local/share/Trash,.var/app/*/data/Trash}", confinedTrash()},
+      {"~/.var/app/{com.jetbrains.*,com.google.AndroidStudio}/cache", localHistory("JetBrains")},
+      {"~/snap/"
+       "{android-studio,clion,datagrip,goland,intellij-idea-*,phpstorm,pycharm-*,rider,rubymine,webstorm}/common/"
+       ".cache",
+       localHistory("JetBrains")},
+      {"~/.var/app/org.rclone.*/cache",
+       Rule{"rclone uploads", "rclone", "Files waiting to be uploaded, and copies of what was read.", keep,
+            "What wasn't uploaded yet is lost.", "Stop the rclone mount once it has finished its uploads."}},
+      {"~/.var/app/org.gnome.Evolution/cache", mail("Evolution")},
       {"~/.var/app/*/cache", appCache},
       {"~/.var/app/*", flatpakData},
       {"~/snap/*/{common,current}/.cache", appCache},
@@ -218,7 +237,9 @@ std::span<const LinuxRow> linuxRows() {
 
       // What development tools download and make.
       {"~/.cache/go-build", buildCache("Go build cache", "Go", "go clean -cache does the same.")},
-      {"~/{.cache/ccache,.ccache}", buildCache("C and C++ build cache", "ccache", "ccache --clear does the same.")},
+      {"~/{.cache/ccache,.ccache/0,.ccache/1,.ccache/2,.ccache/3,.ccache/4,.ccache/5,.ccache/6,.ccache/7,.ccache/"
+       "8,.ccache/9,.ccache/a,.ccache/b,.ccache/c,.ccache/d,.ccache/e,.ccache/f}",
+       buildCache("C and C++ build cache", "ccache", "ccache --clear does the same.")},
       {"~/.cache/sccache", buildCache("Compiler cache", "sccache", "Stop its server first: sccache --stop-server.")},
       {"~/.cache/bazel", buildCache("Bazel cache", "Bazel", "bazel clean --expunge does it for one project.")},
       {"~/.cache/zig", buildCache("Zig cache", "Zig", "Close running builds first.")},
@@ -248,10 +269,8 @@ std::span<const LinuxRow> linuxRows() {
       {"~/Android/Sdk", Rule{"Android SDK", "Android Studio", "Tools, platforms and emulator images for Android apps.",
                              review, "Android apps don't build until you download them again.",
                              "Remove old platforms and images in Android Studio's SDK Manager."}},
-      {"~/.cache/JetBrains",
-       Rule{"JetBrains index and Local History", "JetBrains", "Indexes of your projects, and the Local History.",
-            review, "Local History, an undo for lost changes, is gone; indexes are made again.",
-            "File → Invalidate Caches in the IDE lets you keep the Local History."}},
+      {"~/.cache/JetBrains", localHistory("JetBrains")},
+      {"~/.cache/Google", localHistory("Android Studio")},
       {"~/.cache/Cypress", automationBrowser("Cypress")},
       {"~/.cache/torch", models("PyTorch models", "PyTorch", "Delete the models you no longer use one by one.")},
       {"~/.cache/whisper", models("Whisper models", "Whisper", "Delete the models you no longer use one by one.")},
@@ -266,7 +285,7 @@ std::span<const LinuxRow> linuxRows() {
       {"{~/.local/share/libvirt,/var/lib/libvirt/images}", virtualMachines("Virtual Machine Manager")},
       {"~/VirtualBox VMs", virtualMachines("VirtualBox")},
       {"~/Nextcloud", syncFolder("Nextcloud")},
-      {"~/Dropbox", syncFolder("Dropbox")},
+      {"~/{Dropbox,Dropbox (*}", syncFolder("Dropbox")},
       {"~/OneDrive*", syncFolder("OneDrive")},
   };
   return rows;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/Path.h"
+#include "cleanup/DuplicateGroup.h"
 #include "cleanup/FileComparison.h"
 #include "cleanup/MoveAttempt.h"
 #include "storage/AllocatedSize.h"
@@ -87,8 +88,8 @@ std::expected<void, CleanupRefusal> StorageTrashCoordinator::validateFolder(cons
 std::expected<void, CleanupRefusal> StorageTrashCoordinator::compare(const OpenedItem& item, const FileEntry& survivor,
                                                                      const std::stop_token& stop) const {
   // What stays must be within the person's reach: neither in the Trash nor on a volume that is away.
-  const auto kept =
-      gate_.canMoveToTrash(survivor) ? contents_.openFile(survivor.url.path) : std::unexpected(SystemError{});
+  const bool isInReach = gate_.canMoveToTrash(survivor) && !isInTrash(survivor.url.path);
+  const auto kept = isInReach ? contents_.openFile(survivor.url.path) : std::unexpected(SystemError{});
   if (!kept) {
     return refused(MoveRefusal::survivorGone);
   }
@@ -151,7 +152,9 @@ std::vector<CleanupOutcome> StorageTrashCoordinator::moveToTrash(std::span<const
                                                                  const std::stop_token& stop) const {
   std::vector<CleanupOutcome> outcomes;
   outcomes.reserve(moves.size());
+  std::vector<std::string_view> survivors;  // of what went
   for (const StorageMove& one : moves) {
+    const auto isHeldBy = [&](std::string_view survivor) { return isSameOrInside(survivor, one.entry.url.path); };
     outcomes.push_back(attemptMove(one.entry.url,
                                    {.act = JournalEntry::Act::move,
                                     .transactionID = transactionID,
@@ -160,7 +163,13 @@ std::vector<CleanupOutcome> StorageTrashCoordinator::moveToTrash(std::span<const
                                     .ruleID = storageRuleID(source, one.entry.category),
                                     .measuredBytes = one.entry.byteCount,
                                     .intent = {}},
-                                   journal, [&](IntentRecorder& recorder) { return move(one, recorder, stop); }));
+                                   journal, [&](IntentRecorder& recorder) {
+                                     return std::ranges::any_of(survivors, isHeldBy) ? refused(MoveRefusal::isSurvivor)
+                                                                                     : move(one, recorder, stop);
+                                   }));
+    if (outcomes.back().success && one.survivor) {
+      survivors.emplace_back(one.survivor->url.path);
+    }
   }
   if (std::ranges::any_of(outcomes, &CleanupOutcome::success)) {
     trash_.writeSizes();

@@ -35,6 +35,7 @@ constexpr auto gradleSettings = std::to_array<Names>({"gradle.properties", "init
 
 // What Linux has beside these.
 constexpr auto linuxHomeFolders = std::to_array<Names>({"Videos", "Templates", "snap", ".var"});
+constexpr std::string_view flatpakDataFolder = ".var/app";  ///< groups the data of all Flatpak apps
 constexpr auto linuxDriveItems =
     std::to_array<Names>({"lost+found", ".Trash", "System Volume Information", "$RECYCLE.BIN"});
 /// In `~/.config/APP`, where nothing else may go.
@@ -95,7 +96,7 @@ bool StorageTrashGate::canMoveToTrash(const FileEntry& entry) const {
   }
   const std::string home = this->home();
   if (holdsBaseFolder(path) || std::ranges::find(places_.personalFolders, path) != places_.personalFolders.end() ||
-      mustStayOnLinux(path, home)) {
+      mustStayOnLinux(path, home) || isDataOfInstalledFlatpak(path, home)) {
     return false;
   }
   if (entry.kind == FileEntry::Kind::directory && (isRegenerableRoot(path, home) || isInstalledApp(path))) {
@@ -115,7 +116,8 @@ bool StorageTrashGate::isInHomeToRemove(std::string_view relative, FileEntry::Ki
   }
   const std::string_view firstTwo =
       isAlone ? first.first : relative.substr(0, first.first.size() + 1 + second.first.size());
-  if (isOneOf(first.first, protectedHomeItems) || isOneOf(firstTwo, protectedHomeItems)) {
+  if (isOneOf(first.first, protectedHomeItems) || isOneOf(firstTwo, protectedHomeItems) ||
+      relative == flatpakDataFolder) {
     return false;
   }
   if (first.first != "Library") {
@@ -123,6 +125,21 @@ bool StorageTrashGate::isInHomeToRemove(std::string_view relative, FileEntry::Ki
   }
   const bool isGroupingFolder = second.rest.empty() && isOneOf(second.first, libraryGroupingFolders);
   return !isAlone && !isOneOf(second.first, protectedLibraryItems) && !isGroupingFolder;
+}
+
+/// What an installed app keeps holds profiles, saved games and mail; only its cache may go.
+bool StorageTrashGate::isDataOfInstalledFlatpak(std::string_view path, std::string_view home) const {
+  const std::string folder = appendingPathComponent(home, flatpakDataFolder);
+  if (!isBelow(path, folder)) {
+    return false;
+  }
+  const Split app = split(path.substr(folder.size()));
+  if (isSameOrInside(app.rest, "cache")) {
+    return false;
+  }
+  return std::ranges::any_of(
+      std::array{places_.dataHome + "/flatpak/app", std::string("/var/lib/flatpak/app")},
+      [&](const std::string& store) { return reader_.exists(appendingPathComponent(store, app.first)); });
 }
 
 /// The folder that groups the data of all apps can't go, nor what holds it.

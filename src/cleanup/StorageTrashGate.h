@@ -42,6 +42,7 @@ class StorageTrashGate {
   std::optional<bool> onMountedDrive(std::string_view path) const;
   std::string resolvedVolumePath(std::string_view path) const;
   bool isInHomeToRemove(std::string_view relative, FileEntry::Kind kind) const;
+  bool isDataOfInstalledFlatpak(std::string_view path, std::string_view home) const;
   bool holdsBaseFolder(std::string_view path) const;
   bool isRegenerableRoot(std::string_view path, std::string_view home) const;
 

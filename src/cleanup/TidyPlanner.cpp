@@ -112,8 +112,8 @@ class TidyPlanner::Draft {
   void addDuplicates(std::span<const DuplicateGroup> groups) {
     const IsProject isProject = [this](std::string_view folder) { return this->isProject(folder); };
     for (const DuplicateGroup& group : groups) {
-      if (isCovered(group.keep.url.path)) {
-        continue;  // the copy that is to stay would go with a folder of this plan
+      if (!mayBeTrustedToStay(group.keep.url.path)) {
+        continue;
       }
       for (const FileEntry& extra : group.extras) {
         const std::string& path = extra.url.path;
@@ -140,7 +140,7 @@ class TidyPlanner::Draft {
 
   void addJunk(std::span<const FileEntry> entries) {
     for (const FileEntry& entry : entries) {
-      if (!isCovered(entry.url.path)) {
+      if (!isCovered(entry.url.path) && !isInTrash(entry.url.path) && planner_.gate_.canMoveToTrash(entry)) {
         items_.push_back(
             {entry, TidyItem::Kind::junk, "macOS leftover files", "Hidden Finder metadata; nothing you made."});
       }
@@ -163,8 +163,8 @@ class TidyPlanner::Draft {
     if (rule == nullptr || rule->verdict != CleanupCatalog::Verdict::rebuildable) {
       return false;
     }
-    const bool isBuildOutput =
-        folder.path.contains("/node_modules") || loweredASCII(folder.path).contains("/deriveddata");
+    const std::string lowered = loweredASCII(folder.path);
+    const bool isBuildOutput = lowered.contains("/node_modules") || lowered.contains("/deriveddata");
     if (isBuildOutput && !includeBuildFiles) {
       return false;
     }
@@ -187,6 +187,21 @@ class TidyPlanner::Draft {
   }
 
   bool isCovered(std::string_view path) const { return picked_.holdsAround(path); }
+
+  /// The other copy goes, so this one must be where things last: not in a folder of this plan, in build output, in a
+  /// folder of some program, or what may be cleared without a question, as old installers may.
+  bool mayBeTrustedToStay(std::string_view path) const {
+    if (isCovered(path) || isInTrash(path)) {
+      return false;
+    }
+    const auto* rule = planner_.catalog_.match(path, home_);
+    const bool isRebuildable = rule != nullptr && rule->verdict == CleanupCatalog::Verdict::rebuildable;
+    std::string_view folder = isSameOrInside(path, home_) ? parentPath(path) : std::string_view();
+    while (!isRebuildable && folder.size() > home_.size() && !isToolFolder(lastPathComponent(folder))) {
+      folder = parentPath(folder);
+    }
+    return !isRebuildable && folder.size() <= home_.size();
+  }
 
   bool isProject(std::string_view folder) {
     const auto known = projects_.find(folder);

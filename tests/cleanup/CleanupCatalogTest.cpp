@@ -48,7 +48,9 @@ TEST(CleanupCatalog, NamesPlaces) {
       {"~/.trash/x", "Trash", "You"},
       {"~", "", ""},
       {"/home/anna2/.cache/foo", "", ""},
-      {"~/.cache/caf\xff/x", "Caf\xff cache", "Caf\xff"},
+      {"~/.cache/caf\xff/x", "Caf\uFFFD cache", "Caf\uFFFD"},
+      {"~/.cache/Google/AndroidStudio2026.1/x", "Android Studio index and Local History", "Android Studio"},
+      {"~/.var/app/com.jetbrains.PyCharm/cache/x", "JetBrains index and Local History", "JetBrains"},
       // Linux
       {"~/.cache/google-chrome/Default/Cache", "Chrome browser cache", "Google Chrome"},
       {"~/.cache/mesa_shader_cache_db/x", "Shader cache", "The graphics driver"},

@@ -115,6 +115,7 @@ TEST(CleanupTier, FollowsGateCatalogAndPlace) {
       {"~/work/caches/x", recommended},
       {"~/work/.cache/x", recommended},
       {"~/work/x", review},
+      {"~/.cache/pypoetry/", review},
   };
   for (const auto& [text, tier] : cases) {
     const std::string path = home.at(text);

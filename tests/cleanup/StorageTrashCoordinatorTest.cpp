@@ -193,6 +193,22 @@ TEST(StorageTrashCoordinator, KeepsTheCopyWhoseTwinIsGone) {
             "It was stopped before this item, so it stays.");
 }
 
+TEST(StorageTrashCoordinator, KeepsWhatStaysForACopyThatWent) {
+  Tended tended;
+  const std::string bytes(4096, 'x');
+  tended.disk.build({{"folder/kept", Content{bytes}}, {"folder two/x"}, {"twin", Content{bytes}}});
+  const auto outcomes = tended.move({{tended.file("twin", 4096), tended.file("folder/kept", 4096)},
+                                     {tended.file("folder/kept", 4096)},
+                                     {tended.folder("folder")},
+                                     {tended.folder("folder two")}});
+  std::vector<std::string> messages;
+  for (const CleanupOutcome& outcome : outcomes) {
+    messages.push_back(outcome.message);
+  }
+  const std::string stays = "Its other copy just went because this one stays, so it stays.";
+  EXPECT_EQ(messages, (std::vector<std::string>{"Moved to Trash", stays, stays, "Moved to Trash"}));
+}
+
 /// The same in front of the real Trash, with somebody else at work on the disk.
 TEST_F(LinuxTrashTest, AScannedItemThatIsSwappedForALinkStaysWhereItIs) {
   const JudgedHome judged(places);

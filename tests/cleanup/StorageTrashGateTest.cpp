@@ -96,6 +96,22 @@ TEST(StorageTrashGate, LetsGoWhatIsThePersonsOwn) {
   EXPECT_FALSE(home.gate.canMoveToTrash(link));
 }
 
+TEST(StorageTrashGate, KeepsWhatAnInstalledFlatpakKeeps) {
+  TemporaryHome disk;
+  disk.build({{".local/share/flatpak/app/org.x.Installed/current"}});
+  const JudgedHome home(disk.places());
+  for (const auto& [path, mayGo] :
+       std::vector<std::pair<std::string, bool>>{{"~/.var/app", false},
+                                                 {"~/.var/app/org.x.Installed", false},
+                                                 {"~/.var/app/org.x.Installed/data", false},
+                                                 {"~/.var/app/org.x.Installed/cache", true},
+                                                 {"~/.var/app/org.x.Installed/cache/x", true},
+                                                 {"~/.var/app/org.x.Gone", true},
+                                                 {"~/.var/app/org.x.Gone/data", true}}) {
+    EXPECT_EQ(home.gate.canMoveToTrash(folderEntry(home.at(path))), mayGo) << path;
+  }
+}
+
 TEST(StorageTrashGate, LetsGoNearlyAllOnTheDrivesOfAPerson) {
   JudgedHome home;
   const auto drive = [](const char* point, MountKind kind = MountKind::local) {

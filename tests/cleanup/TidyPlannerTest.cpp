@@ -124,6 +124,35 @@ TEST(TidyPlanner, TakesCopiesOnlyFromAmongThePersonsOwn) {
   EXPECT_EQ(items[2].survivor, planner.duplicates[1].keep);
 }
 
+TEST(TidyPlanner, TakesNoCopyWhoseTwinMightNotLast) {
+  const std::vector<std::pair<std::string, bool>> places = {
+      {"~/Music/kept.iso", true},
+      {"~/Documents/proj/kept.iso", true},
+      {"~/Documents/proj/dist/kept.iso", false},
+      {"~/proj/Node_Modules/kept.iso", false},
+      {"~/.cache/tool/kept.iso", false},
+      {"~/.var/app/org.x/data/Trash/files/kept.iso", false},
+      {"/media/anna/Stick/.Trash-1000/files/kept.iso", false},
+  };
+  for (const auto& [keep, isTaken] : places) {
+    Planner planner;
+    planner.duplicates.push_back({.id = keep,
+                                  .keep = fileEntry(planner.home.at(keep), 20),
+                                  .extras = {fileEntry(planner.home.at("~/Movies/x.iso"), 20)}});
+    EXPECT_EQ(planner.lines(), isTaken ? Lines{"duplicate ~/Movies/x.iso"} : Lines()) << keep;
+  }
+  // The copy that would stay goes as an old installer.
+  Planner planner;
+  FileEntry kept = fileEntry(planner.home.at("~/Downloads/a.iso"), 20);
+  kept.modifiedAt = now - std::chrono::days(60);
+  planner.duplicates.push_back({.id = "a",
+                                .keep = kept,
+                                .extras = {fileEntry(planner.home.at("~/Downloads/a (1).iso"), 20)},
+                                .sameFolder = true});
+  planner.result.entries = {kept};
+  EXPECT_EQ(planner.lines(), Lines{"installer ~/Downloads/a.iso"});
+}
+
 TEST(TidyPlanner, AsksOnceWhetherAFolderIsAProject) {
   Planner planner;
   planner.disk.build({{"Documents/a/b/"}});
