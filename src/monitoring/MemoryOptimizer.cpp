@@ -56,8 +56,8 @@ void MemoryOptimizer::lower(const std::string& bundlePath) {
     return;
   }
   std::vector<std::int32_t> ids = usage->pids;
-  if (ids.empty() && usage->mainPID) {
-    ids.push_back(*usage->mainPID);
+  if (const std::optional<std::int32_t> main = usage->mainPID; ids.empty() && main) {
+    ids.push_back(*main);
   }
   // The list is some seconds old, and a number may be another's by now.
   std::erase_if(ids, [&](std::int32_t pid) {

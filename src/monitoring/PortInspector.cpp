@@ -58,7 +58,7 @@ bool PortEntry::isDevServer() const {
 }
 
 PortInspector::PortInspector(const SocketReader& sockets, const ProcessReader& processes, const FileReader& files,
-                             std::string home)
+                             const std::string& home)
     // A process's folder is told with all links resolved.
     : sockets_(sockets), processes_(processes), files_(files), home_(files.realPath(home).value_or(home)) {}
 

@@ -19,7 +19,8 @@ namespace lumenary {
 /// Lists what listens on this machine, with the project that each process runs in. From any thread.
 class PortInspector {
  public:
-  PortInspector(const SocketReader& sockets, const ProcessReader& processes, const FileReader& files, std::string home);
+  PortInspector(const SocketReader& sockets, const ProcessReader& processes, const FileReader& files,
+                const std::string& home);
 
   /// All ports, by number, protocol, process name and process id. A port whose process can't be seen is listed with
   /// whose it is.

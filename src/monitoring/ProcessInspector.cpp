@@ -53,7 +53,7 @@ ProcessInspector::AppGroup ProcessInspector::appGroup(std::string_view executabl
             .bundle = owner->path};
   }
   if (const std::optional<std::string> bundle = bundleInPath(executablePath)) {
-    return {.key = *bundle, .name = std::string(withoutExtension(lastPathComponent(*bundle))), .bundle = *bundle};
+    return {.key = *bundle, .name = std::string(withoutExtension(lastPathComponent(*bundle))), .bundle = bundle};
   }
   return {.key = "background", .name = "macOS & background"};
 }

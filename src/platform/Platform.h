@@ -13,6 +13,7 @@
 #include "platform/PerfProbe.h"
 #include "platform/Places.h"
 #include "platform/Session.h"
+#include "platform/SystemFacts.h"
 #include "platform/Terminal.h"
 #include "platform/ToolRunner.h"
 #include "platform/Trash.h"
@@ -35,6 +36,7 @@ struct Platform {
   std::unique_ptr<Defaults> defaults;
   std::unique_ptr<Session> session;
   std::unique_ptr<ToolRunner> tools;
+  std::unique_ptr<SystemFacts> systemFacts;
   std::unique_ptr<Terminal> terminal;
   std::unique_ptr<Interruption> interruption;
   std::function<Date()> now;

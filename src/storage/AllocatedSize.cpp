@@ -96,6 +96,8 @@ Measurement MeasuringWalk::measureItem(const SystemResult<FileAttributes>& attri
   noteFolder(*attributes);
   if (SystemResult<Descriptor> folder = open(); folder && *folder) {
     walkFrom(std::move(*folder), attributes->identity);
+  } else {
+    result_.holdsUnreadable = true;
   }
   return result_;
 }
@@ -120,6 +122,7 @@ void MeasuringWalk::enter(Descriptor folder, const FileIdentity& identity) {
   while (!stop_.stop_requested()) {
     const auto entries = reader_.nextEntries(current, scratch_);
     if (!entries || entries->empty()) {
+      result_.holdsUnreadable = result_.holdsUnreadable || !entries;
       return;
     }
     for (const FolderEntry& entry : *entries) {
@@ -145,6 +148,8 @@ void MeasuringWalk::enterLastWaiting() {
     noteFolder(*attributes);
     if (auto opened = reader_.openFolder(around.folder, name)) {
       folder = std::move(*opened);
+    } else {
+      result_.holdsUnreadable = true;
     }
   }
   waiting_.resize(start);

@@ -16,6 +16,7 @@ struct Measurement {
   std::int64_t allocatedBytes = 0;
   bool holdsForeignFolder = false;  ///< a folder of another user stands in it or is it
   bool holdsUnchangeable = false;   ///< something marked immutable or append-only stands in it or is it
+  bool holdsUnreadable = false;     ///< a folder that could not be read stands in it or is it: there may be more
 
   bool operator==(const Measurement&) const = default;
 };

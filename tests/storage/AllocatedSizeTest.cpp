@@ -165,7 +165,8 @@ TEST(AllocatedSize, TellsWhoseFoldersItPassedAndWhatIsMarkedUnchangeable) {
     EXPECT_EQ(measure(hooked, *parent, "a", user), expected) << altered << " for user " << user;
   }
   const HookedReader closed(reader, noFolderOpens, [](std::string_view, FileAttributes& found) { found.owner = 0; });
-  EXPECT_EQ(measure(closed, *parent, "a", 1000), (Measurement{0, true, false})) << "a closed folder is still foreign";
+  EXPECT_EQ(measure(closed, *parent, "a", 1000), (Measurement{0, true, false, true}))
+      << "a closed folder is still foreign";
 }
 
 TEST(AllocatedSize, EndsEarlyOnAStopRequest) {

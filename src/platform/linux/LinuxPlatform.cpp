@@ -16,6 +16,7 @@
 #include "platform/linux/LinuxMountTable.h"
 #include "platform/linux/LinuxPlaces.h"
 #include "platform/linux/LinuxSession.h"
+#include "platform/linux/LinuxSystemFacts.h"
 #include "platform/linux/LinuxTerminal.h"
 #include "platform/linux/LinuxToolRunner.h"
 #include "platform/linux/LinuxTrash.h"
@@ -59,6 +60,7 @@ Platform makePlatform() {
   const char* const display = environment("DISPLAY");
   platform.session = std::make_unique<LinuxSession>(display == nullptr ? "" : display, "/proc/asound");
   platform.tools = std::make_unique<LinuxToolRunner>();
+  platform.systemFacts = std::make_unique<LinuxSystemFacts>();
   platform.terminal = std::make_unique<LinuxTerminal>();
   platform.now = [] { return std::chrono::floor<Date::duration>(std::chrono::system_clock::now()); };
   platform.probe = PerfProbe::of(std::getenv("LUMENARY_BENCH"), std::getenv("LUMENARY_OFF"));

@@ -225,7 +225,7 @@ bool LinuxProcessReader::refresh(std::int32_t pid, Known& known, std::uint64_t n
 void LinuxProcessReader::place(std::int32_t pid, Known& known) {
   std::string executable;
   known.app = appOf(pid, *apps_, executable);
-  known.appPath = known.app == nullptr ? std::move(executable) : known.app->path;
+  known.appPath = known.app == nullptr ? executable : known.app->path;
 }
 
 const RegisteredApp* LinuxProcessReader::appOf(std::int32_t pid, const AppAttribution& apps,
