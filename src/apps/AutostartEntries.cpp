@@ -87,7 +87,7 @@ std::vector<AutostartEntry> autostartEntries(const FileReader& reader, DurableFi
     }
     const Domain domain = standing.back().domain;
     const std::string needed = desktopEntryText(valueOf(keys, "TryExec"));
-    const bool isGone = program->starts_with('/') && !reader.exists(*program);
+    const bool isGone = isProgramGone(reader, *program);
     const bool isTold = domain == Domain::user && isGone;
     if (!isTold && !needed.empty() && !isProgramThere(reader, needed, places.programFolders)) {
       continue;

@@ -38,6 +38,14 @@ std::string_view stateText(const BackgroundItem& item) {
   return item.pid ? "Running" : "Waiting";
 }
 
+bool isProgramGone(const FileReader& reader, std::string_view program) {
+  if (!program.starts_with('/')) {
+    return false;
+  }
+  const auto found = reader.attributes(program, LinkPolicy::follow);
+  return !found && (found.error().isMissing() || found.error().isLink());
+}
+
 std::optional<std::string> knownBackgroundOwner(std::string_view label, const InstalledAppNames& installedApps) {
   if (const auto exact = installedApps.find(std::string(label)); exact != installedApps.end()) {
     return exact->second;

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/FileURL.h"
+#include "platform/FileReader.h"
 
 namespace lumenary {
 
@@ -19,7 +20,7 @@ struct BackgroundItem {
   std::string label{};
   Domain domain = Domain::user;
   std::optional<std::string> program{};  ///< as it is written there
-  bool programExists = true;             ///< false only where `program` is absolute and nothing stands there
+  bool programExists = true;             ///< false only where `isProgramGone` told so
   std::string owner{};                   ///< for people
   std::optional<FileURL> ownerAppURL{};  ///< the app that contains the program
   std::string schedule{};                ///< for people: "Starts when you log in, kept running"
@@ -36,6 +37,9 @@ std::string_view rawValue(BackgroundItem::Domain domain);
 
 /// What the item is doing, in a word or a sentence.
 std::string_view stateText(const BackgroundItem& item);
+
+/// True where the program is absolute and surely nothing stands there; what may not be looked at isn't called gone.
+bool isProgramGone(const FileReader& reader, std::string_view program);
 
 /// The names of installed apps by their identifiers.
 using InstalledAppNames = std::map<std::string, std::string>;

@@ -161,7 +161,7 @@ std::optional<BackgroundItem> BackgroundItemsScanner::read(const std::string& pa
       .program = programOf(*dictionary)};
   if (item.program) {
     item.ownerAppURL = ownerAppOf(*item.program);
-    item.programExists = !item.program->starts_with('/') || reader_.exists(*item.program);
+    item.programExists = !isProgramGone(reader_, *item.program);
   }
   item.owner = owner(item.label, item.ownerAppURL);
   item.schedule = launchdSchedule(*dictionary);

@@ -131,7 +131,9 @@ std::expected<void, CleanupRefusal> LinuxBackgroundItemsController::remove(const
   }
   if (!isLink(item)) {
     auto removed = removal_.remove(item.url.path, [&] { turnOff(item); });
-    systemctl({"daemon-reload"});
+    if (removed) {
+      systemctl({"daemon-reload"});
+    }
     return removed;
   }
   // Turning it off first would take the link away before it could go to the Trash.

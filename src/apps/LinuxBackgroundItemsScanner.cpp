@@ -19,6 +19,16 @@ bool canBeEnabled(const UnitFile& settings) {
   return has("WantedBy") || has("RequiredBy") || has("Alias") || has("Also");
 }
 
+/// A service that has its program elsewhere, or that isn't started at all while the program isn't installed.
+bool mayDoWithout(const UnitFile& service, const std::string& program) {
+  const auto asks = [&](std::string_view key) {
+    const std::vector<std::string> paths = service.values("Unit", key);
+    return std::ranges::find(paths, program) != paths.end();
+  };
+  return !service.value("Service", "RootDirectory").empty() || !service.value("Service", "RootImage").empty() ||
+         asks("ConditionFileIsExecutable") || asks("ConditionPathExists");
+}
+
 std::string textOr(std::string_view text, std::string otherwise) {
   std::string shown = displayText(text);
   return shown.empty() ? std::move(otherwise) : std::move(shown);
@@ -46,11 +56,8 @@ LinuxBackgroundItemsScanner::Found LinuxBackgroundItemsScanner::foundUnit(const 
   const auto program = commands.empty() ? std::nullopt : unitProgram(commands.front(), specifiers);
   if (program) {
     item.program = program->text;
-    // With a root of its own the path doesn't tell of a file that could be looked at here.
-    const bool hasOwnRoot =
-        !settings.value("Service", "RootDirectory").empty() || !settings.value("Service", "RootImage").empty();
     item.programExists =
-        !program->isResolved || !program->text.starts_with('/') || hasOwnRoot || reader_.exists(program->text);
+        !program->isResolved || mayDoWithout(settings, program->text) || !isProgramGone(reader_, program->text);
   }
   const std::string_view label = unitLabel(unit.name);
   const UnitText description = resolvedUnitText(unit.settings.value("Unit", "Description"), specifiers);
@@ -79,7 +86,7 @@ std::vector<LinuxBackgroundItemsScanner::Found> LinuxBackgroundItemsScanner::fou
                         .program = entry.program,
                         .schedule = schedulePhrase::atLogin,
                         .isDisabled = entry.isOff};
-    item.programExists = !entry.program || !entry.program->starts_with('/') || reader_.exists(*entry.program);
+    item.programExists = !entry.program || !isProgramGone(reader_, *entry.program);
     const auto known = knownBackgroundOwner(entry.id, installedApps_);
     item.owner = known ? *known : textOr(entry.name, backgroundOwnerOfLabel(entry.id));
     found.push_back({.item = std::move(item), .units = {autostartUnit(entry.id)}});

@@ -1,6 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <cerrno>
+
 #include "apps/BackgroundItem.h"
+#include "platform/linux/LinuxFileReader.h"
+#include "support/HookedReader.h"
 
 namespace lumenary {
 namespace {
@@ -17,6 +21,16 @@ TEST(BackgroundItem, TellsItsStateByTheWorstThatIsTrue) {
   };
   for (const auto& [item, text] : cases) {
     EXPECT_EQ(stateText(item), text);
+  }
+}
+
+TEST(BackgroundItem, WhatMayNotBeLookedAtIsNotCalledGone) {
+  const LinuxFileReader real;
+  for (const auto& [error, isGone] :
+       {std::pair(ENOENT, true), std::pair(ENOTDIR, true), std::pair(ELOOP, true), std::pair(EACCES, false)}) {
+    const HookedReader reader(real, [failure = error](auto, auto) { return SystemError{failure}; });
+    EXPECT_EQ(isProgramGone(reader, "/root/bin/tool"), isGone) << error;
+    EXPECT_FALSE(isProgramGone(reader, "tool"));
   }
 }
 

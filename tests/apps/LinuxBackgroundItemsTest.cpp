@@ -147,6 +147,25 @@ TEST_F(LinuxBackgroundItems, AreToldLikeThoseOfAnySystem) {
   EXPECT_EQ(scan().size(), expected.size()) << "without systemctl the list still shows";
 }
 
+TEST_F(LinuxBackgroundItems, AreBrokenOnlyWhereTheProgramIsMissed) {
+  const struct {
+    const char* text;
+    bool isBroken;
+  } cases[] = {
+      {"[Service]\nExecStart=/gone/tool\n", true},
+      {"[Service]\nExecStart=gone-tool\n", false},
+      {"[Service]\nExecStart=/gone/%n\n", false},
+      {"[Service]\nExecStart=/gone/tool\nRootImage=/image\n", false},
+      {"[Unit]\nConditionFileIsExecutable=/gone/tool\n[Service]\nExecStart=/gone/tool\n", false},
+      {"[Unit]\nConditionPathExists=/gone\n[Service]\nExecStart=/gone/tool\n", true},
+      {"[Service]\nExecStart=\n", false},
+  };
+  for (const auto& [text, isBroken] : cases) {
+    home.write(".config/systemd/user/a.service", text);
+    EXPECT_EQ(item("a.service").isBroken(), isBroken) << text;
+  }
+}
+
 TEST_F(LinuxBackgroundItems, UnitsAreSwitchedOnlyWhereTheyArePersonal) {
   home.write(".config/systemd/user/a.service", "[Unit]\n");
   home.write(".config/systemd/user/b.timer", "[Timer]\n");

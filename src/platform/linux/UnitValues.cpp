@@ -89,7 +89,7 @@ const std::string* meaningOf(char specifier, const UnitSpecifiers& specifiers) {
 /// Seconds of a unit of time; none for a word that isn't one.
 std::optional<double> secondsOf(std::string_view unit) {
   struct Unit {
-    double seconds;
+    double seconds = 0;
     std::array<std::string_view, 5> words;
   };
   static constexpr std::array<Unit, 9> units = {{{1e-6, {"usec", "us", "µs"}},
