@@ -75,6 +75,8 @@ constexpr auto notSwitchable =
 /// The same on Linux, where no settings of the desktop do that.
 constexpr auto notSwitchableOnLinux =
     "Installed for every user, so it needs an administrator. Turn it off with systemctl.";
+/// Of a unit of the person's own that can't be switched.
+constexpr auto linkNotSwitchable = "Its file is a link to one that is kept elsewhere. Turn it off with systemctl.";
 constexpr auto empty = "Nothing starts in the background.";
 constexpr auto loading = "Looking for programs that start on their own…";
 std::string noMatch(std::string_view query);
