@@ -24,6 +24,8 @@ std::optional<JournalEntry> decodeEntry(const JsonValue& object) {
   const auto device = number("device");
   const auto inode = number("inode");
   const auto itemID = text("itemID").and_then(UUID::parse);
+  const auto logged = object.member("isLogged");
+  const auto isLogged = logged ? logged->boolean() : true;
   const auto kind = text("kind").and_then([](auto word) { return enumOf<FileKind>(kindTexts, word); });
   const auto measuredBytes = object.member("measuredBytes").and_then(&JsonValue::integer);
   const auto originalURL = text("originalURL").and_then(parseFileURL);
@@ -33,8 +35,8 @@ std::optional<JournalEntry> decodeEntry(const JsonValue& object) {
   const auto source = text("source").and_then(sourceOf);
   const auto transactionID = text("transactionID").and_then(UUID::parse);
   const auto trashURL = text("trashURL").and_then(parseFileURL);
-  if (!act || !date || !device || !inode || !itemID || !kind || !measuredBytes || *measuredBytes < 0 || !originalURL ||
-      !refusalText || !ruleID || !source || !transactionID || !trashURL) {
+  if (!act || !date || !device || !inode || !itemID || !isLogged || !kind || !measuredBytes || *measuredBytes < 0 ||
+      !originalURL || !refusalText || !ruleID || !source || !transactionID || !trashURL) {
     return std::nullopt;
   }
   return JournalEntry{.act = *act,
@@ -47,7 +49,8 @@ std::optional<JournalEntry> decodeEntry(const JsonValue& object) {
                                  .trashPath = trashURL->path,
                                  .identity = {.device = *device, .inode = *inode, .kind = *kind},
                                  .date = *date},
-                      .refusal = bytesOfReversibleText(*refusalText)};
+                      .refusal = bytesOfReversibleText(*refusalText),
+                      .isLogged = *isLogged};
 }
 
 }  // namespace
@@ -61,6 +64,9 @@ std::string encodeJournalEntry(const JournalEntry& entry) {
   json.key("date").string(iso8601(intent.date));
   json.key("device").unsignedInteger(intent.identity.device);
   json.key("inode").unsignedInteger(intent.identity.inode);
+  if (!entry.isLogged) {
+    json.key("isLogged").boolean(false);
+  }
   json.key("itemID").string(entry.itemID.text());
   json.key("kind").string(kindTexts.at(static_cast<std::size_t>(intent.identity.kind)));
   json.key("measuredBytes").integer(entry.measuredBytes);

@@ -32,6 +32,7 @@ struct JournalEntry {
   std::int64_t measuredBytes = 0;
   TrashIntent intent;
   std::string refusal{};  ///< why the act didn't happen after all, the sentence for the person; empty: it may have
+  bool isLogged = true;   ///< false: the log of acts isn't told of it, only the Trash is put right
 };
 
 /// A line of JSON with its line break: keys sorted, places as file URL text, dates as ISO 8601 text.

@@ -168,7 +168,8 @@ std::vector<SettledAct> settleAll(std::vector<JournalEntry> entries, Trash& tras
 }
 
 /// True once the log tells where the acts ended.
-bool record(const std::vector<SettledAct>& acts, ScanStore& store) {
+bool record(std::vector<SettledAct> acts, ScanStore& store) {
+  std::erase_if(acts, [](const SettledAct& act) { return !act.entry.isLogged; });
   const auto hasEnded = [](const SettledAct& act) {
     return act.state == ActState::inTrash || act.state == ActState::atOrigin;
   };
@@ -199,8 +200,8 @@ void recoverJournal(const std::string& path, DurableFiles& files, ScanStore& sto
     return;
   }
   std::string unsettled = std::move(journal->foreignLines);
-  const std::vector<SettledAct> acts = settleAll(std::move(journal->entries), trash, unsettled);
-  if (!record(acts, store)) {
+  std::vector<SettledAct> acts = settleAll(std::move(journal->entries), trash, unsettled);
+  if (!record(std::move(acts), store)) {
     return;
   }
   // What is settled and on record leaves the journal: told again after other acts, it would contradict them.

@@ -8,6 +8,7 @@
 #include "platform/Defaults.h"
 #include "platform/DurableFiles.h"
 #include "platform/FileReader.h"
+#include "platform/FolderWatcher.h"
 #include "platform/Interruption.h"
 #include "platform/MountTable.h"
 #include "platform/PerfProbe.h"
@@ -37,6 +38,7 @@ struct Platform {
   std::unique_ptr<Session> session;
   std::unique_ptr<ToolRunner> tools;
   std::unique_ptr<SystemFacts> systemFacts;
+  std::unique_ptr<FolderWatcher> folderWatcher;
   std::unique_ptr<Terminal> terminal;
   std::unique_ptr<Interruption> interruption;
   std::function<Date()> now;

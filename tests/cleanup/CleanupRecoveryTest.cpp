@@ -145,6 +145,17 @@ TEST(CleanupRecovery, EveryNameThatWasTriedIsSettledAndTheLastCounts) {
             (std::vector<std::string>{"settle /trash/files/dist", "settle /trash/files/dist.2"}));
 }
 
+TEST(CleanupRecovery, AnActThatIsNotForTheLogIsSettledOnly) {
+  JournalEntry quiet = entry(Act::move, 8, "/trash/files/agent");
+  quiet.isLogged = false;
+  Aftermath aftermath({quiet, entry(Act::move, 9)});
+  aftermath.trash.states = {{"/trash/files/agent", ActState::inTrash}, {"/trash/files/dist", ActState::inTrash}};
+  const auto moved = item(Outcome::movedToTrash, "/trash/files/dist", "Moved to Trash");
+  EXPECT_EQ(aftermath.recover(), std::vector{transaction({moved})});
+  EXPECT_EQ(aftermath.trash.calls.front(), "settle /trash/files/agent");
+  EXPECT_FALSE(aftermath.isJournalLeft());
+}
+
 TEST(CleanupRecovery, AnActOnAVolumeThatIsAwayWaitsForAnotherTime) {
   Aftermath aftermath({entry(Act::move, 8, "/away/files/dist"), entry(Act::move, 9)});
   aftermath.trash.states = {{"/away/files/dist", ActState::unknown}, {"/trash/files/dist", ActState::inTrash}};

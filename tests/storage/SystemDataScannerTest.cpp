@@ -180,13 +180,12 @@ TEST(SystemDataScanner, ExplainsWhatNoScanSees) {
 TEST(SystemDataScanner, TellsWhatTheToolsSayAndGoesOnWithoutThem) {
   Explained explained;
   EXPECT_EQ(explained.report().snapshotCount, 0) << "they all hang";
-  explained.tools.answers["/usr/bin/snapper --machine-readable csv list --columns number"] = {
-      .status = 0, .output = "number\n0\n1\n22\n"};
+  explained.tools.answers["/usr/bin/snapper --machine-readable csv list --columns number"] = "number\n0\n1\n22\n";
   EXPECT_EQ(explained.report().snapshotCount, 2);
-  explained.tools.answers["/usr/bin/tmutil listlocalsnapshots /"] = {
-      .status = 0, .output = "Snapshots for disk /:\n\ncom.apple.TimeMachine.2026-11-22-1.local\nother\n"};
-  explained.tools.answers["/usr/sbin/diskutil apfs list -plist"] = {
-      .status = 0, .output = apfsList(container("disk3", volume("M", "System", 10) + volume("D", "Data", 77)))};
+  explained.tools.answers["/usr/bin/tmutil listlocalsnapshots /"] =
+      "Snapshots for disk /:\n\ncom.apple.TimeMachine.2026-11-22-1.local\nother\n";
+  explained.tools.answers["/usr/sbin/diskutil apfs list -plist"] =
+      apfsList(container("disk3", volume("M", "System", 10) + volume("D", "Data", 77)));
   const SystemDataReport report = explained.report();
   EXPECT_EQ(report.snapshotCount, 1);
   EXPECT_EQ(report.dataVolumeBytes, 77);

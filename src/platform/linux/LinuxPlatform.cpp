@@ -11,6 +11,7 @@
 #include "platform/linux/LinuxDefaults.h"
 #include "platform/linux/LinuxDurableFiles.h"
 #include "platform/linux/LinuxFileReader.h"
+#include "platform/linux/LinuxFolderWatcher.h"
 #include "platform/linux/LinuxInterruption.h"
 #include "platform/linux/LinuxKernel.h"
 #include "platform/linux/LinuxMountTable.h"
@@ -61,6 +62,7 @@ Platform makePlatform() {
   platform.session = std::make_unique<LinuxSession>(display == nullptr ? "" : display, "/proc/asound");
   platform.tools = std::make_unique<LinuxToolRunner>();
   platform.systemFacts = std::make_unique<LinuxSystemFacts>();
+  platform.folderWatcher = std::make_unique<LinuxFolderWatcher>();
   platform.terminal = std::make_unique<LinuxTerminal>();
   platform.now = [] { return std::chrono::floor<Date::duration>(std::chrono::system_clock::now()); };
   platform.probe = PerfProbe::of(std::getenv("LUMENARY_BENCH"), std::getenv("LUMENARY_OFF"));
