@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "platform/AppNames.h"
+#include "platform/AppRegistry.h"
 #include "platform/ContentReader.h"
 #include "platform/Defaults.h"
 #include "platform/DurableFiles.h"
@@ -32,6 +33,7 @@ struct Platform {
   std::unique_ptr<Trash> trash;
   std::unique_ptr<TrashBin> trashBin;
   std::unique_ptr<AppNames> appNames;
+  std::unique_ptr<AppRegistry> apps;
   std::unique_ptr<Defaults> defaults;
   std::unique_ptr<Session> session;
   std::unique_ptr<ToolRunner> tools;

@@ -7,6 +7,7 @@
 
 #include "platform/Platform.h"
 #include "platform/linux/LinuxAppNames.h"
+#include "platform/linux/LinuxAppRegistry.h"
 #include "platform/linux/LinuxContentReader.h"
 #include "platform/linux/LinuxDefaults.h"
 #include "platform/linux/LinuxDurableFiles.h"
@@ -55,6 +56,8 @@ Platform makePlatform() {
   platform.trash = std::make_unique<LinuxTrash>(kernel, *platform.reader, *platform.mountTable, places);
   platform.trashBin = std::make_unique<LinuxTrashBin>(kernel, *platform.reader, *platform.mountTable, places, 4);
   platform.appNames = std::make_unique<LinuxAppNames>(applicationFolders(environment, places));
+  platform.apps =
+      std::make_unique<LinuxAppRegistry>(*platform.reader, *platform.files, linuxAppRoots(environment, places));
   platform.defaults = std::make_unique<LinuxDefaults>(*platform.files, places.defaultsFile);
   const char* const display = environment("DISPLAY");
   platform.session = std::make_unique<LinuxSession>(display == nullptr ? "" : display, "/proc/asound");
