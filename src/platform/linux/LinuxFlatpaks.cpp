@@ -111,19 +111,21 @@ bool isFlatpakInstalled(const FileReader& reader, DurableFiles& files, const Lin
                         std::string_view id) {
   const std::string lowered = loweredASCII(id);
   for (const Installation& installation : installations(reader, files, roots)) {
-    const std::string folder = installation.path + "/app";
-    const auto names = folderNames(reader, folder);
-    if (!names) {
-      // An installation whose folder for apps wasn't made yet has none.
-      const bool isWithout =
-          names.error().isMissing() && (installation.mayBeMissing || reader.exists(installation.path));
-      if (isWithout) {
-        continue;
+    for (const char* const kindFolder : {"/app", "/runtime"}) {
+      const std::string folder = installation.path + kindFolder;
+      const auto names = folderNames(reader, folder);
+      if (!names) {
+        // An installation whose folder for apps wasn't made yet has none.
+        if (names.error().isMissing() && (installation.mayBeMissing || reader.exists(installation.path))) {
+          continue;
+        }
+        return true;
       }
-      return true;
-    }
-    for (const auto& [name, kind] : *names) {
-      if (equalsIgnoringCase(name, lowered) && isDeployed(reader, appendingPathComponent(folder, name))) {
+      const bool isThere = std::ranges::any_of(*names, [&](const auto& entry) {
+        return equalsIgnoringCase(entry.first, lowered) &&
+               isDeployed(reader, appendingPathComponent(folder, entry.first));
+      });
+      if (isThere) {
         return true;
       }
     }
