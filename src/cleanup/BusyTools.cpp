@@ -130,6 +130,12 @@ std::set<std::string, std::less<>> busyTitles(std::string_view processArguments)
   return titles;
 }
 
+std::set<std::string, std::less<>> busyTitles(std::string_view processArguments, std::span<const InUseMarker> rows) {
+  std::set<std::string, std::less<>> titles;
+  addBusy(processArguments, rows, titles);
+  return titles;
+}
+
 std::set<std::string, std::less<>> busyTitlesByProgram(std::string_view processArguments,
                                                        std::span<const std::string> titles) {
   constexpr std::string_view ending = " cache";

@@ -20,6 +20,8 @@ std::span<const InUseMarker> linuxInUseMarkers();
 
 /// The titles whose markers stand in `processArguments`: the command lines of all processes, one a line.
 std::set<std::string, std::less<>> busyTitles(std::string_view processArguments);
+/// The same by rows of one's own.
+std::set<std::string, std::less<>> busyTitles(std::string_view processArguments, std::span<const InUseMarker> rows);
 
 /// Those of `titles` ("Spotify cache") that are called after an app of which a program runs, told by the name of its
 /// file. Only titles that no table knows.

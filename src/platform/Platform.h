@@ -3,7 +3,9 @@
 #include <functional>
 #include <memory>
 
+#include "platform/AppControl.h"
 #include "platform/AppNames.h"
+#include "platform/AppRegistry.h"
 #include "platform/ContentReader.h"
 #include "platform/Defaults.h"
 #include "platform/DurableFiles.h"
@@ -13,7 +15,10 @@
 #include "platform/MountTable.h"
 #include "platform/PerfProbe.h"
 #include "platform/Places.h"
+#include "platform/ProcessReader.h"
 #include "platform/Session.h"
+#include "platform/SocketReader.h"
+#include "platform/SystemCounters.h"
 #include "platform/SystemFacts.h"
 #include "platform/Terminal.h"
 #include "platform/ToolRunner.h"
@@ -34,11 +39,16 @@ struct Platform {
   std::unique_ptr<Trash> trash;
   std::unique_ptr<TrashBin> trashBin;
   std::unique_ptr<AppNames> appNames;
+  std::unique_ptr<AppRegistry> apps;
   std::unique_ptr<Defaults> defaults;
   std::unique_ptr<Session> session;
   std::unique_ptr<ToolRunner> tools;
   std::unique_ptr<SystemFacts> systemFacts;
   std::unique_ptr<FolderWatcher> folderWatcher;
+  std::unique_ptr<SystemCountersReader> systemCounters;
+  std::unique_ptr<ProcessReader> processes;
+  std::unique_ptr<SocketReader> sockets;
+  std::unique_ptr<AppControl> appControl;
   std::unique_ptr<Terminal> terminal;
   std::unique_ptr<Interruption> interruption;
   std::function<Date()> now;

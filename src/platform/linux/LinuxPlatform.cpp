@@ -6,7 +6,9 @@
 #include <thread>
 
 #include "platform/Platform.h"
+#include "platform/linux/LinuxAppControl.h"
 #include "platform/linux/LinuxAppNames.h"
+#include "platform/linux/LinuxAppRegistry.h"
 #include "platform/linux/LinuxContentReader.h"
 #include "platform/linux/LinuxDefaults.h"
 #include "platform/linux/LinuxDurableFiles.h"
@@ -16,7 +18,10 @@
 #include "platform/linux/LinuxKernel.h"
 #include "platform/linux/LinuxMountTable.h"
 #include "platform/linux/LinuxPlaces.h"
+#include "platform/linux/LinuxProcessReader.h"
 #include "platform/linux/LinuxSession.h"
+#include "platform/linux/LinuxSocketReader.h"
+#include "platform/linux/LinuxSystemCounters.h"
 #include "platform/linux/LinuxSystemFacts.h"
 #include "platform/linux/LinuxTerminal.h"
 #include "platform/linux/LinuxToolRunner.h"
@@ -57,12 +62,19 @@ Platform makePlatform() {
   platform.trash = std::make_unique<LinuxTrash>(kernel, *platform.reader, *platform.mountTable, places);
   platform.trashBin = std::make_unique<LinuxTrashBin>(kernel, *platform.reader, *platform.mountTable, places, 4);
   platform.appNames = std::make_unique<LinuxAppNames>(applicationFolders(environment, places));
+  platform.apps =
+      std::make_unique<LinuxAppRegistry>(*platform.reader, *platform.files, linuxAppRoots(environment, places));
   platform.defaults = std::make_unique<LinuxDefaults>(*platform.files, places.defaultsFile);
   const char* const display = environment("DISPLAY");
   platform.session = std::make_unique<LinuxSession>(display == nullptr ? "" : display, "/proc/asound");
   platform.tools = std::make_unique<LinuxToolRunner>();
   platform.systemFacts = std::make_unique<LinuxSystemFacts>();
   platform.folderWatcher = std::make_unique<LinuxFolderWatcher>();
+  platform.systemCounters = std::make_unique<LinuxSystemCounters>();
+  platform.processes = std::make_unique<LinuxProcessReader>(*platform.apps);
+  platform.sockets = std::make_unique<LinuxSocketReader>();
+  platform.appControl = std::make_unique<LinuxAppControl>(*platform.tools, *platform.processes, *platform.apps,
+                                                          display == nullptr ? "" : display);
   platform.terminal = std::make_unique<LinuxTerminal>();
   platform.now = [] { return std::chrono::floor<Date::duration>(std::chrono::system_clock::now()); };
   platform.probe = PerfProbe::of(std::getenv("LUMENARY_BENCH"), std::getenv("LUMENARY_OFF"));

@@ -112,14 +112,14 @@ std::uint32_t pressureLevel(std::string_view pressure, const MemoryInfo& info) {
   return averageOfTenSeconds(pressure, "some") >= tenth || isTight ? 2 : 1;
 }
 
-LinuxSystemCounters::LinuxSystemCounters()
-    : stat_(openForReading("/proc/stat")),
-      memory_(openForReading("/proc/meminfo")),
-      pressure_(openForReading("/proc/pressure/memory")),
-      physicalMemoryBytes_(static_cast<std::uint64_t>(std::max(::sysconf(_SC_PHYS_PAGES), 0L)) *
-                           static_cast<std::uint64_t>(std::max(::sysconf(_SC_PAGESIZE), 0L))) {}
-
 SystemCounters LinuxSystemCounters::read() {
+  if (!stat_) {
+    stat_ = openForReading("/proc/stat");
+    memory_ = openForReading("/proc/meminfo");
+    pressure_ = openForReading("/proc/pressure/memory");
+    physicalMemoryBytes_ = static_cast<std::uint64_t>(std::max(::sysconf(_SC_PHYS_PAGES), 0L)) *
+                           static_cast<std::uint64_t>(std::max(::sysconf(_SC_PAGESIZE), 0L));
+  }
   std::array<char, 4096> buffer{};
   SystemCounters counters;
   counters.physicalMemoryBytes = physicalMemoryBytes_;

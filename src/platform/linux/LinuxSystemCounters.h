@@ -30,10 +30,9 @@ std::optional<MemoryInfo> parseMemoryInfo(std::string_view meminfo);
 /// told, or before anything waits: less than a tenth of the memory available is 2, a twentieth 4.
 std::uint32_t pressureLevel(std::string_view pressure, const MemoryInfo& info);
 
-/// Reads below /proc, from files that stay open: a reading is three calls.
+/// Reads below /proc, from files that stay open from the first reading on: a reading is three calls.
 class LinuxSystemCounters final : public SystemCountersReader {
  public:
-  LinuxSystemCounters();
   SystemCounters read() override;
 
  private:
