@@ -9,6 +9,7 @@ import sys
 
 sys.dont_write_bytecode = True
 
+import apps
 import cleanup
 import duplicates
 import gate
@@ -21,7 +22,7 @@ import search
 import store
 
 BENCHES = {"cleanup": cleanup.run, "scan": scan.run, "store": store.run, "search": search.run,
-           "duplicates": duplicates.run, "plan": plan.run, "live": live.run}
+           "duplicates": duplicates.run, "plan": plan.run, "apps": apps.run, "live": live.run}
 CHECKS = {"gate": gate.run, "home": home.run}  # not a part of everything
 
 TOP = pathlib.Path(__file__).resolve().parent.parent

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <span>
 
 #include "base/Path.h"
 #include "storage/AllocatedSize.h"
@@ -25,6 +26,52 @@ Descriptor opened(const FileReader& reader, const std::string& path, LinkPolicy 
   const auto found = reader.attributes(*folder);
   return found && found->identity == seen->identity ? std::move(*folder) : Descriptor();
 }
+
+/// Reads for one measuring walk and keeps the list of the folder that it begins with: that is read first, and whole.
+class FirstListing final : public FileReader {
+ public:
+  explicit FirstListing(const FileReader& real) : real_(real) {}
+
+  SystemResult<Descriptor> openFolder(std::string_view path, LinkPolicy links) const override {
+    return real_.openFolder(path, links);
+  }
+  SystemResult<Descriptor> openFolder(const Descriptor& parent, const char* name) const override {
+    return real_.openFolder(parent, name);
+  }
+  SystemResult<std::span<const FolderEntry>> nextEntries(const Descriptor& folder,
+                                                         FolderScratch& scratch) const override {
+    const auto next = real_.nextEntries(folder, scratch);
+    if (state_ == State::reading && next) {
+      for (const FolderEntry& entry : *next) {
+        entries_.push_back({.name = std::string(entry.name, entry.length), .kind = entry.kind});
+      }
+    }
+    if (state_ == State::reading && (!next || next->empty())) {
+      state_ = next ? State::whole : State::failed;
+    }
+    return next;
+  }
+  SystemResult<FileAttributes> attributes(const Descriptor& folder, const char* name) const override {
+    return real_.attributes(folder, name);
+  }
+  SystemResult<FileAttributes> attributes(const Descriptor& folder) const override { return real_.attributes(folder); }
+  SystemResult<FileAttributes> attributes(std::string_view path, LinkPolicy links) const override {
+    return real_.attributes(path, links);
+  }
+  SystemResult<std::string> realPath(std::string_view path) const override { return real_.realPath(path); }
+
+  std::optional<AppFolders::Entries> takeEntries() && {
+    std::ranges::sort(entries_, {}, &AppFolders::Entry::name);
+    return state_ == State::whole ? std::optional(std::move(entries_)) : std::nullopt;
+  }
+
+ private:
+  enum class State : std::uint8_t { reading, whole, failed };
+
+  const FileReader& real_;
+  mutable AppFolders::Entries entries_;
+  mutable State state_ = State::reading;
+};
 
 }  // namespace
 
@@ -85,9 +132,16 @@ std::optional<FileKind> AppFolders::kindAt(const std::string& path) {
   return found ? std::optional(found->identity.kind) : std::nullopt;
 }
 
-std::int64_t AppFolders::bytesAt(const std::string& path) const {
-  const std::int64_t* const known = known_.find(path);
-  return known != nullptr ? *known : allocatedSize(reader_, path, stop_);
+std::int64_t AppFolders::bytesAt(const std::string& path) {
+  if (const std::int64_t* const known = known_.find(path)) {
+    return *known;
+  }
+  FirstListing reader(reader_);
+  const std::int64_t bytes = allocatedSize(reader, path, stop_);
+  if (auto entries = std::move(reader).takeEntries()) {
+    listed_.emplace(std::pair(path, LinkPolicy::refuse), std::move(entries));
+  }
+  return bytes;
 }
 
 const AppFolders::Entry* entryNamed(const AppFolders::Entries& entries, std::string_view name) {

@@ -40,8 +40,9 @@ class AppFolders {
   std::optional<FileKind> kindAt(const std::string& path);
   bool isFolder(const std::string& path) { return kindAt(path) == FileKind::folder; }
 
-  /// The allocated bytes of what stands at a path, 0 where nothing does.
-  std::int64_t bytesAt(const std::string& path) const;
+  /// The allocated bytes of what stands at a path, 0 where nothing does. A folder that is measured for that is listed
+  /// from then on.
+  std::int64_t bytesAt(const std::string& path);
 
   bool isStopped() const { return stop_.stop_requested(); }
 

