@@ -15,6 +15,7 @@ import duplicates
 import gate
 import home
 import live
+import machine
 import measuring
 import plan
 import scan
@@ -23,7 +24,7 @@ import store
 
 BENCHES = {"cleanup": cleanup.run, "scan": scan.run, "store": store.run, "search": search.run,
            "duplicates": duplicates.run, "plan": plan.run, "apps": apps.run, "live": live.run}
-CHECKS = {"gate": gate.run, "home": home.run}  # not a part of everything
+CHECKS = {"gate": gate.run, "home": home.run, "machine": machine.run}  # not a part of everything
 
 TOP = pathlib.Path(__file__).resolve().parent.parent
 

@@ -102,6 +102,26 @@ bool NotchProcessActions::requestQuit(const AppMemoryUsage& usage, const NotchPr
   return control_.requestQuit(identity.pid, isStillTheApp);
 }
 
+NotchActionResult NotchProcessActions::quit(const AppMemoryUsage& usage) const {
+  const auto identity = usage.mainPID ? NotchProcessIdentity::capture(processes_, *usage.mainPID) : std::nullopt;
+  if (!identity) {
+    return {.title = usage.name + " already quit"};
+  }
+  if (!requestQuit(usage, *identity)) {
+    return failure("Couldn’t request quit",
+                   "The app changed, already quit, or declined the request. Refresh the list or quit it normally.");
+  }
+  if (!waitForExit(*identity)) {
+    return failure(usage.name + " is still open", "Check for a save prompt. Quit may have been cancelled.");
+  }
+  return {.title = usage.name + " quit"};
+}
+
+NotchActionResult NotchProcessActions::reopen(const NotchQuitApp& app) const {
+  const bool isOpening = control_.open(app.path, "");
+  return {.title = isOpening ? "" : "Couldn't reopen " + app.name, .failed = !isOpening};
+}
+
 std::optional<std::string> NotchProcessActions::quitAndConfirm(ProcessInspector& inspector,
                                                                const AppMemoryUsage& usage) const {
   const std::optional<std::int32_t> pid =

@@ -28,6 +28,14 @@ struct NotchActionResult {
   bool operator==(const NotchActionResult&) const = default;
 };
 
+/// The app that was quit last, kept so that it can be opened again.
+struct NotchQuitApp {
+  std::string name{};
+  std::string path{};
+
+  bool operator==(const NotchQuitApp&) const = default;
+};
+
 /// Quitting an app and stopping a server. Never on a process id alone, as that may be another's by now, and never by
 /// force. The operations block, `stop` for up to ten seconds; from any thread.
 class NotchProcessActions {
@@ -50,6 +58,10 @@ class NotchProcessActions {
 
   /// Asks the app to quit if it still is the one that was shown.
   bool requestQuit(const AppMemoryUsage& usage, const NotchProcessIdentity& identity) const;
+
+  /// The same with what to tell the person, once it has quit or some five seconds went by.
+  NotchActionResult quit(const AppMemoryUsage& usage) const;
+  NotchActionResult reopen(const NotchQuitApp& app) const;
 
   /// Asks an app to quit and waits until it does. What to tell the person, or nothing where it quit.
   std::optional<std::string> quitAndConfirm(ProcessInspector& inspector, const AppMemoryUsage& usage) const;

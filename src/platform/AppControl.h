@@ -33,7 +33,7 @@ class AppControl {
 
   /// Drops what the memory holds of files. The system asks for a password; false where it isn't given. Waits for it.
   virtual bool emptyFileCache() = 0;
-  /// Opens an address with an installed app, given by its path.
+  /// Opens an address with an installed app, given by its path; with an empty one just the app.
   virtual bool open(const std::string& appPath, const std::string& address) = 0;
 };
 

@@ -166,6 +166,23 @@ TEST_F(ProcessActions, QuitsAnAppOnlyWhileItIsTheOneShown) {
   EXPECT_EQ(NotchProcessIdentity::capture(processes, 1), std::nullopt);
 }
 
+TEST_F(ProcessActions, TellsHowQuittingWent) {
+  processes.running[60] = {.record = {.pid = 60, .parent = 1, .uid = me, .startedAt = started},
+                           .appPath = "/apps/maps"};
+  const AppMemoryUsage usage{.key = "/apps/maps", .name = "Maps", .bundlePath = "/apps/maps", .mainPID = 60};
+  control.deaf = {60};
+  EXPECT_EQ(actions.quit(usage).title, "Couldn’t request quit");
+  control.deaf.clear();
+  control.onTerminate = [](std::int32_t) {};
+  EXPECT_EQ(actions.quit(usage).title, "Maps is still open");
+  EXPECT_TRUE(actions.quit(usage).failed);
+  control.onTerminate = [this](std::int32_t pid) { end(pid); };
+  EXPECT_EQ(actions.quit(usage), (NotchActionResult{.title = "Maps quit"}));
+  EXPECT_EQ(actions.quit(usage), (NotchActionResult{.title = "Maps already quit"}));
+  EXPECT_FALSE(actions.reopen({.name = "Maps", .path = "/apps/maps"}).failed);
+  EXPECT_EQ(control.calls.back(), "open /apps/maps ");
+}
+
 TEST_F(ProcessActions, ConfirmsThatAnAppQuit) {
   const std::string declined =
       "It may have closed already, or it declined the request. Try quitting it from the app itself.";

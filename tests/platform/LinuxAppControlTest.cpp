@@ -122,10 +122,12 @@ TEST(LinuxAppControl, OpensAnAddressWithAnApp) {
   LinuxAppControl control(tools, processes, registry, "");
   EXPECT_TRUE(control.open("/c.desktop", "chrome://settings"));
   EXPECT_TRUE(control.open("/f", "x"));
+  EXPECT_TRUE(control.open("/c.desktop", ""));
   EXPECT_FALSE(control.open("/n", "x")) << "what it starts isn't known";
   EXPECT_FALSE(control.open("/gone", "x"));
   EXPECT_EQ(tools.calls, (std::vector<std::string>{"start /opt/chrome chrome://settings",
-                                                   "start /usr/bin/flatpak run com.google.Chrome x"}));
+                                                   "start /usr/bin/flatpak run com.google.Chrome x",
+                                                   "start /usr/bin/gio launch /c.desktop"}));
   const std::string purge = "/usr/bin/pkexec /usr/sbin/sysctl -q -w vm.drop_caches=1";
   EXPECT_FALSE(control.emptyFileCache());
   tools.answers[purge] = "";

@@ -184,10 +184,30 @@ bool LinuxAppControl::open(const std::string& appPath, const std::string& addres
   if (app == apps.end()) {
     return false;
   }
-  if (app->origin == AppOrigin::flatpak) {
-    return tools_.start({.path = "/usr/bin/flatpak", .arguments = {"run", app->id, address}});
+  std::vector<std::string> addresses;
+  if (!address.empty()) {
+    addresses.push_back(address);
   }
-  return !app->program.empty() && tools_.start({.path = app->program, .arguments = {address}});
+  const auto start = [&](const std::string& tool, std::vector<std::string> arguments) {
+    arguments.insert(arguments.end(), addresses.begin(), addresses.end());
+    return tools_.start({.path = tool, .arguments = std::move(arguments)});
+  };
+  switch (app->origin) {
+    case AppOrigin::flatpak:
+      return start("/usr/bin/flatpak", {"run", app->id});
+    case AppOrigin::snap:
+      return start("/usr/bin/snap", {"run", app->id});
+    case AppOrigin::desktopEntry:
+      // An entry may start its program with arguments of its own.
+      if (address.empty() && start("/usr/bin/gio", {"launch", app->path})) {
+        return true;
+      }
+      break;
+    case AppOrigin::bundle:
+    case AppOrigin::appImage:
+      break;
+  }
+  return !app->program.empty() && start(app->program, {});
 }
 
 }  // namespace lumenary
