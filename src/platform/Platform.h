@@ -7,6 +7,7 @@
 #include "platform/ContentReader.h"
 #include "platform/Defaults.h"
 #include "platform/DurableFiles.h"
+#include "platform/FileMetadata.h"
 #include "platform/FileReader.h"
 #include "platform/Interruption.h"
 #include "platform/MountTable.h"
@@ -32,6 +33,7 @@ struct Platform {
   std::unique_ptr<Trash> trash;
   std::unique_ptr<TrashBin> trashBin;
   std::unique_ptr<AppNames> appNames;
+  std::unique_ptr<FileMetadata> metadata;
   std::unique_ptr<Defaults> defaults;
   std::unique_ptr<Session> session;
   std::unique_ptr<ToolRunner> tools;

@@ -10,6 +10,7 @@
 #include "platform/linux/LinuxContentReader.h"
 #include "platform/linux/LinuxDefaults.h"
 #include "platform/linux/LinuxDurableFiles.h"
+#include "platform/linux/LinuxFileMetadata.h"
 #include "platform/linux/LinuxFileReader.h"
 #include "platform/linux/LinuxInterruption.h"
 #include "platform/linux/LinuxKernel.h"
@@ -55,6 +56,7 @@ Platform makePlatform() {
   platform.trash = std::make_unique<LinuxTrash>(kernel, *platform.reader, *platform.mountTable, places);
   platform.trashBin = std::make_unique<LinuxTrashBin>(kernel, *platform.reader, *platform.mountTable, places, 4);
   platform.appNames = std::make_unique<LinuxAppNames>(applicationFolders(environment, places));
+  platform.metadata = std::make_unique<LinuxFileMetadata>(*platform.files, places.dataHome + "/recently-used.xbel");
   platform.defaults = std::make_unique<LinuxDefaults>(*platform.files, places.defaultsFile);
   const char* const display = environment("DISPLAY");
   platform.session = std::make_unique<LinuxSession>(display == nullptr ? "" : display, "/proc/asound");
