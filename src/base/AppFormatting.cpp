@@ -113,4 +113,15 @@ std::string AppFormatting::relativeDate(Date date, Date now) {
   return isAhead ? "in " + number : number + " ago";
 }
 
+std::string AppFormatting::dateAndTime(Date date) {
+  constexpr std::array<std::string_view, 12> months = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                                       "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+  const std::tm time = calendarTime(date);
+  const int hourOfHalf = time.tm_hour % 12 == 0 ? 12 : time.tm_hour % 12;
+  const std::string minutes = std::to_string(time.tm_min);
+  return std::string(months.at(static_cast<std::size_t>(time.tm_mon))) + " " + std::to_string(time.tm_mday) + ", " +
+         std::to_string(std::int64_t{time.tm_year} + 1900) + " at " + std::to_string(hourOfHalf) + ":" +
+         (minutes.size() < 2 ? "0" : "") + minutes + (time.tm_hour < 12 ? " AM" : " PM");
+}
+
 }  // namespace lumenary

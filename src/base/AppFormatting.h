@@ -22,4 +22,7 @@ std::string bytes(std::int64_t byteCount);
 /// month or year has a name of its own.
 std::string relativeDate(Date date, Date now);
 
+/// By the person's calendar and clock, "Nov 23, 2026 at 9:31 AM".
+std::string dateAndTime(Date date);
+
 }  // namespace lumenary::AppFormatting

@@ -1,12 +1,12 @@
 #include "base/PropertyList.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cstddef>
 #include <utility>
 
 #include "base/Text.h"
+#include "base/XmlText.h"
 
 namespace lumenary {
 namespace {
@@ -14,54 +14,11 @@ namespace {
 constexpr std::string_view blanks = " \t\r\n";
 constexpr int deepest = 64;
 
-struct Entity {
-  std::string_view name;
-  char character;
-};
-
-constexpr std::array entities{Entity{.name = "lt", .character = '<'}, Entity{.name = "gt", .character = '>'},
-                              Entity{.name = "amp", .character = '&'}, Entity{.name = "quot", .character = '"'},
-                              Entity{.name = "apos", .character = '\''}};
-
-void appendCharacter(std::string& text, std::uint32_t character) {
-  const auto byte = [&](std::uint32_t value) { text += static_cast<char>(value); };
-  const auto further = [&](std::uint32_t shift) { byte(0x80U | ((character >> shift) & 0x3FU)); };
-  if (character < 0x80) {
-    byte(character);
-  } else if (character < 0x800) {
-    byte(0xC0U | (character >> 6U));
-    further(0);
-  } else if (character < 0x10000) {
-    byte(0xE0U | (character >> 12U));
-    further(6);
-    further(0);
-  } else {
-    byte(0xF0U | (character >> 18U));
-    further(12);
-    further(6);
-    further(0);
-  }
-}
-
 template <class Number>
 std::optional<Number> numberOf(std::string_view text, int base = 10) {
   Number number{};
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number, base);
   return error == std::errc() && end == text.data() + text.size() ? std::optional(number) : std::nullopt;
-}
-
-/// "#65" or "#x41".
-std::optional<std::uint32_t> characterReference(std::string_view name) {
-  if (!name.starts_with('#')) {
-    return std::nullopt;
-  }
-  name.remove_prefix(1);
-  const bool isHex = name.starts_with('x');
-  name.remove_prefix(isHex ? 1 : 0);
-  const auto character = numberOf<std::uint32_t>(name, isHex ? 16 : 10);
-  const bool isAllowed =
-      character && *character != 0 && *character <= 0x10FFFF && (*character < 0xD800 || *character > 0xDFFF);
-  return isAllowed ? character : std::nullopt;
 }
 
 std::string_view withoutBlanks(std::string_view text) {
@@ -157,29 +114,11 @@ class Parser {
         rest_.remove_prefix(end + 3);
       } else if (rest_.starts_with('<')) {
         return isEndOf(tag.name) ? std::optional(text) : std::nullopt;
-      } else if (!takeEntity(text)) {
+      } else if (!takeXmlReference(rest_, text)) {
         return std::nullopt;
       }
     }
     return text;
-  }
-
-  bool takeEntity(std::string& text) {
-    const std::size_t end = rest_.substr(0, 12).find(';');
-    if (end == std::string_view::npos) {
-      return false;
-    }
-    const std::string_view name = rest_.substr(1, end - 1);
-    rest_.remove_prefix(end + 1);
-    if (const auto* const known = std::ranges::find(entities, name, &Entity::name); known != entities.end()) {
-      text += known->character;
-      return true;
-    }
-    const auto character = characterReference(name);
-    if (character) {
-      appendCharacter(text, *character);
-    }
-    return character.has_value();
   }
 
   template <class Value>

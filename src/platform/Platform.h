@@ -9,6 +9,7 @@
 #include "platform/ContentReader.h"
 #include "platform/Defaults.h"
 #include "platform/DurableFiles.h"
+#include "platform/FileMetadata.h"
 #include "platform/FileReader.h"
 #include "platform/FolderWatcher.h"
 #include "platform/Interruption.h"
@@ -40,6 +41,7 @@ struct Platform {
   std::unique_ptr<TrashBin> trashBin;
   std::unique_ptr<AppNames> appNames;
   std::unique_ptr<AppRegistry> apps;
+  std::unique_ptr<FileMetadata> metadata;
   std::unique_ptr<Defaults> defaults;
   std::unique_ptr<Session> session;
   std::unique_ptr<ToolRunner> tools;

@@ -12,6 +12,7 @@
 #include "platform/linux/LinuxContentReader.h"
 #include "platform/linux/LinuxDefaults.h"
 #include "platform/linux/LinuxDurableFiles.h"
+#include "platform/linux/LinuxFileMetadata.h"
 #include "platform/linux/LinuxFileReader.h"
 #include "platform/linux/LinuxFolderWatcher.h"
 #include "platform/linux/LinuxInterruption.h"
@@ -64,6 +65,7 @@ Platform makePlatform() {
   platform.appNames = std::make_unique<LinuxAppNames>(applicationFolders(environment, places));
   platform.apps =
       std::make_unique<LinuxAppRegistry>(*platform.reader, *platform.files, linuxAppRoots(environment, places));
+  platform.metadata = std::make_unique<LinuxFileMetadata>(*platform.files, places.dataHome + "/recently-used.xbel");
   platform.defaults = std::make_unique<LinuxDefaults>(*platform.files, places.defaultsFile);
   const char* const display = environment("DISPLAY");
   platform.session = std::make_unique<LinuxSession>(display == nullptr ? "" : display, "/proc/asound");
