@@ -82,9 +82,11 @@ SystemResult<void> TrashEmptier::removeFolder(TreeRemoval& removal, const std::s
   }
   auto removed = removal.remove(*way, passing);
   if (!removed) {
-    // What is left goes back to where its info file tells of it.
-    static_cast<void>(
-        kernel_.renameat2(way->number(), passing.c_str(), trash_.files.number(), name.c_str(), RENAME_NOREPLACE));
+    // What is left goes back to where its info file tells of it. Where it can't, the info file waits for it.
+    if (kernel_.renameat2(way->number(), passing.c_str(), trash_.files.number(), name.c_str(), RENAME_NOREPLACE) != 0) {
+      const std::lock_guard guard(lock_);
+      keptOut_.insert(name);
+    }
   }
   return removed;
 }
@@ -145,6 +147,9 @@ void TrashEmptier::removeItems(const std::vector<std::string>& names, unsigned w
 }
 
 void TrashEmptier::removeRemains() {
+  if (stop_.stop_requested()) {
+    return;
+  }
   TreeRemoval removal(kernel_, reader_, userID_, stop_);
   const auto way = openExpunged();
   if (const auto left = way ? namesIn(*way) : std::unexpected(way.error())) {
@@ -166,7 +171,7 @@ void TrashEmptier::removeRemains() {
     const auto status = statusAt(kernel_, trash_.info, info.c_str());
     const auto standing = statusAt(kernel_, trash_.files, item.c_str());
     const bool isAlone = !standing && standing.error().isMissing();
-    if (status && isAlone && isOld(*status)) {
+    if (status && isAlone && isOld(*status) && !keptOut_.contains(item)) {
       static_cast<void>(removeFile(kernel_, trash_.info, info.c_str()));
     }
   }

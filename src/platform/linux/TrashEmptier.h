@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <stop_token>
 #include <string>
 #include <vector>
@@ -50,6 +51,7 @@ class TrashEmptier {
   std::uint32_t userID_;
   const std::stop_token& stop_;
   std::mutex lock_;
+  std::set<std::string> keptOut_;  ///< items whose remains could not go back to their place
   std::optional<SystemResult<Descriptor>> expunged_;
   TrashEmptying result_;
   FolderSizeChanges sizes_;
