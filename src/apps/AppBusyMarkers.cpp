@@ -55,6 +55,7 @@ std::vector<InUseMarker> appBusyMarkers(std::span<const RegisteredApp> apps) {
     }
   }
   std::vector<InUseMarker> rows;
+  rows.reserve(markersByTitle.size());
   for (auto& [title, markers] : markersByTitle) {
     rows.push_back({.title = title, .markers = {markers.begin(), markers.end()}});
   }

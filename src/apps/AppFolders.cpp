@@ -106,7 +106,8 @@ const AppFolders::Entries* AppFolders::entries(const std::string& path, LinkPoli
   if (found == listed_.end()) {
     found = listed_.emplace(std::pair(path, links), read(path, links, std::numeric_limits<std::size_t>::max())).first;
   }
-  return found->second ? &*found->second : nullptr;
+  const std::optional<Entries>& listed = found->second;
+  return listed ? &*listed : nullptr;
 }
 
 const AppFolders::Entries& AppFolders::entriesOrNone(const std::string& path, LinkPolicy links) {
@@ -123,8 +124,10 @@ std::optional<FileKind> AppFolders::kindAt(const std::string& path) {
   const std::string parent(parentPath(path));
   for (const LinkPolicy links : {LinkPolicy::refuse, LinkPolicy::follow}) {
     const auto around = listed_.find({parent, links});
-    if (around != listed_.end() && around->second) {
-      const Entry* const entry = entryNamed(*around->second, lastPathComponent(path));
+    const std::optional<Entries> none;
+    const std::optional<Entries>& listed = around == listed_.end() ? none : around->second;
+    if (listed) {
+      const Entry* const entry = entryNamed(*listed, lastPathComponent(path));
       return entry == nullptr ? std::nullopt : std::optional(entry->kind);
     }
   }

@@ -65,6 +65,7 @@ std::string encode(const std::vector<SeenApp>& apps) {
 /// The ones seen last, by identifier.
 std::vector<SeenApp> newest(std::map<std::string, SeenApp> byID) {
   std::vector<SeenApp> apps;
+  apps.reserve(byID.size());
   for (auto& [id, app] : byID) {
     apps.push_back(std::move(app));
   }

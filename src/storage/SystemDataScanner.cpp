@@ -254,7 +254,7 @@ std::vector<SystemDataPart> SystemDataScanner::unseenParts() const {
                      .explanation = "Kept free for the system, so that it still works when the disk is full. On ext4, "
                                     "`sudo tune2fs -m 1 " +
                                     device + "` leaves it a hundredth.",
-                     .bytes = *reserved,
+                     .bytes = reserved,
                      .verdict = AppDataVerdict::keep});
   }
   const auto capacity = sources_.volumes.capacity("/");

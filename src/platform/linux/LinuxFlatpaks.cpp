@@ -37,6 +37,7 @@ std::vector<std::string> installationPaths(std::string_view text) {
 
 std::vector<Installation> installations(const FileReader& reader, DurableFiles& files, const LinuxAppRoots& roots) {
   std::vector<Installation> all;
+  all.reserve(roots.flatpakInstallations.size());
   for (const std::string& path : roots.flatpakInstallations) {
     all.push_back({.path = path});
   }
