@@ -1,0 +1,39 @@
+#pragma once
+
+#include <memory>
+#include <stop_token>
+#include <type_traits>
+#include <utility>
+
+#include "core/async/Job.h"
+#include "core/async/Workers.h"
+#include "platform/Executor.h"
+
+namespace lumenary {
+
+/// Gives work to threads and its answers to the owner.
+class Scheduler {
+ public:
+  /// Both must outlive the value; the workers' threads must have ended before the executor goes.
+  Scheduler(Executor& owner, Workers& workers) : owner_(owner), workers_(workers) {}
+
+  /// `work` is called once with a stop token, on a thread of the lane, and its answer is what the job gives. It may use
+  /// nothing that the owner's thread uses meanwhile. A stop request is to be `stop`'s where one is given.
+  template <class Work, class Value = std::invoke_result_t<Work&, const std::stop_token&>>
+  Job<Value> start(Lane lane, Work work, std::stop_source stop = std::stop_source()) {
+    auto state = std::make_shared<typename Job<Value>::State>(std::move(stop));
+    workers_.run(lane, [state, work = std::move(work), &owner = owner_]() mutable {
+      state->answer.emplace(work(std::as_const(state->stop).get_token()));
+      owner.post([state = std::move(state)] { state->end(); });
+    });
+    return Job<Value>(std::move(state));
+  }
+
+  Executor& owner() { return owner_; }
+
+ private:
+  Executor& owner_;
+  Workers& workers_;
+};
+
+}  // namespace lumenary
