@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "cleanup/CleanupJournal.h"
+#include "cleanup/CleanupRecovery.h"
 
 namespace lumenary {
 namespace {
@@ -15,7 +16,13 @@ constexpr auto recordGone = "The cleanup record no longer exists.";
 
 }  // namespace
 
-void CleanupHistory::load() { transactions_ = store_.loadCleanupTransactions(); }
+void CleanupHistory::load(const std::vector<CleanupTransaction>& known) {
+  recoverInterruptedActs(files_, store_, trash_);
+  transactions_ = store_.loadCleanupTransactions();
+  std::ranges::copy_if(known, std::back_inserter(transactions_), [log = transactions_](const auto& transaction) {
+    return std::ranges::find(log, transaction.id, &CleanupTransaction::id) == log.end();
+  });
+}
 
 const CleanupTransaction* CleanupHistory::find(const UUID& transactionID) const {
   const auto found = std::ranges::find(transactions_, transactionID, &CleanupTransaction::id);

@@ -17,8 +17,9 @@ class CleanupHistory {
  public:
   CleanupHistory(DurableFiles& files, ScanStore& store, Trash& trash) : files_(files), store_(store), trash_(trash) {}
 
-  /// Reads the log again.
-  void load();
+  /// Reads the log again, after what a crash or a full disk left out of it was put right. Of `known`, what the log
+  /// doesn't hold is on record as well.
+  void load(const std::vector<CleanupTransaction>& known = {});
 
   const std::vector<CleanupTransaction>& cleanupTransactions() const { return transactions_; }
 

@@ -1,6 +1,7 @@
 #include "platform/PerfProbe.h"
 
 #include <algorithm>
+#include <cstdio>
 
 namespace lumenary {
 
@@ -12,6 +13,13 @@ PerfProbe PerfProbe::of(const char* bench, const char* off) {
     probe.disabled.emplace(name);
   }
   return probe;
+}
+
+void PerfProbe::mark(std::string_view name) const {
+  if (isOn) {
+    const std::chrono::duration<double, std::milli> since = std::chrono::steady_clock::now() - launchedAt;
+    std::printf("%.*s %.1f ms\n", static_cast<int>(name.size()), name.data(), since.count());
+  }
 }
 
 }  // namespace lumenary

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <set>
 #include <string>
@@ -15,6 +16,10 @@ struct PerfProbe {
   /// From the values of the two variables; null where one isn't set.
   static PerfProbe of(const char* bench, const char* off);
 
+  std::chrono::steady_clock::time_point launchedAt{};
+
+  /// Prints how long after the launch a named point was reached, where measurements are on.
+  void mark(std::string_view name) const;
   bool isDisabled(std::string_view shortcut) const { return disabled.contains(shortcut); }
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 
@@ -8,12 +9,14 @@
 #include "platform/AppRegistry.h"
 #include "platform/ContentReader.h"
 #include "platform/Defaults.h"
+#include "platform/Desktop.h"
 #include "platform/DurableFiles.h"
 #include "platform/FileMetadata.h"
 #include "platform/FileReader.h"
 #include "platform/FolderWatcher.h"
 #include "platform/Interruption.h"
 #include "platform/MountTable.h"
+#include "platform/MountWatcher.h"
 #include "platform/PerfProbe.h"
 #include "platform/Places.h"
 #include "platform/ProcessReader.h"
@@ -29,7 +32,7 @@
 
 namespace lumenary {
 
-/// Everything the operating system gives the command, made once at the entry and passed down.
+/// Everything the operating system gives, made once at the entry and passed down.
 struct Platform {
   Places places;
   std::unique_ptr<FileReader> reader;
@@ -46,7 +49,10 @@ struct Platform {
   std::unique_ptr<Session> session;
   std::unique_ptr<ToolRunner> tools;
   std::unique_ptr<SystemFacts> systemFacts;
-  std::unique_ptr<FolderWatcher> folderWatcher;
+  std::unique_ptr<FolderWatcher> folderWatcher;   ///< of where apps are installed
+  std::unique_ptr<FolderWatcher> supportWatcher;  ///< of the program's own files
+  std::unique_ptr<MountWatcher> mountWatcher;
+  std::unique_ptr<Desktop> desktop;
   std::unique_ptr<SystemCountersReader> systemCounters;
   std::unique_ptr<ProcessReader> processes;
   std::unique_ptr<SocketReader> sockets;
@@ -55,6 +61,7 @@ struct Platform {
   std::unique_ptr<Interruption> interruption;
   std::function<Date()> now;
   PerfProbe probe;
+  std::int32_t processID = 0;            ///< this process's own
   std::function<unsigned()> processors;  ///< how many this process may use, at least 1
 };
 

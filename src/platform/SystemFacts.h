@@ -39,6 +39,8 @@ class SystemFacts {
   /// Files, not partitions.
   virtual std::vector<SwapFile> swapFiles() const = 0;
   virtual DeletedOpenFiles deletedOpenFiles() const = 0;
+  /// What the programs that may be seen have open, and the folders they stand in; sorted, absolute paths.
+  virtual std::vector<std::string> openPaths() const = 0;
   /// Kept free for the system on the volume that holds the path; none where it can't be read.
   virtual std::optional<std::int64_t> reservedBytes(const std::string& path) const = 0;
   /// None where the system clears nothing by itself.

@@ -29,6 +29,7 @@ class FakeFacts final : public SystemFacts {
 
   std::string kernelRelease() const override { return "6.1.0-9"; }
   std::vector<SwapFile> swapFiles() const override { return swaps; }
+  std::vector<std::string> openPaths() const override { return {}; }
   DeletedOpenFiles deletedOpenFiles() const override { return deleted; }
   std::optional<std::int64_t> reservedBytes(const std::string&) const override { return reserved; }
   std::optional<RoomOnVolume> room(const std::string&) const override { return rooms; }

@@ -11,6 +11,7 @@
 #include "platform/linux/LinuxAppRegistry.h"
 #include "platform/linux/LinuxContentReader.h"
 #include "platform/linux/LinuxDefaults.h"
+#include "platform/linux/LinuxDesktop.h"
 #include "platform/linux/LinuxDurableFiles.h"
 #include "platform/linux/LinuxFileMetadata.h"
 #include "platform/linux/LinuxFileReader.h"
@@ -18,6 +19,7 @@
 #include "platform/linux/LinuxInterruption.h"
 #include "platform/linux/LinuxKernel.h"
 #include "platform/linux/LinuxMountTable.h"
+#include "platform/linux/LinuxMountWatcher.h"
 #include "platform/linux/LinuxPlaces.h"
 #include "platform/linux/LinuxProcessReader.h"
 #include "platform/linux/LinuxSession.h"
@@ -51,6 +53,7 @@ Platform makePlatform() {
   const Environment environment = [](const char* name) { return std::getenv(name); };
   static const Places places = placesOf(environment);
 
+  const auto launchedAt = std::chrono::steady_clock::now();
   holdStandardDescriptors();
   Platform platform;
   platform.interruption = std::make_unique<LinuxInterruption>();
@@ -72,6 +75,9 @@ Platform makePlatform() {
   platform.tools = std::make_unique<LinuxToolRunner>();
   platform.systemFacts = std::make_unique<LinuxSystemFacts>();
   platform.folderWatcher = std::make_unique<LinuxFolderWatcher>();
+  platform.supportWatcher = std::make_unique<LinuxFolderWatcher>();
+  platform.mountWatcher = std::make_unique<LinuxMountWatcher>();
+  platform.desktop = std::make_unique<LinuxDesktop>(*platform.tools);
   platform.systemCounters = std::make_unique<LinuxSystemCounters>();
   platform.processes = std::make_unique<LinuxProcessReader>(*platform.apps);
   platform.sockets = std::make_unique<LinuxSocketReader>();
@@ -80,6 +86,8 @@ Platform makePlatform() {
   platform.terminal = std::make_unique<LinuxTerminal>();
   platform.now = [] { return std::chrono::floor<Date::duration>(std::chrono::system_clock::now()); };
   platform.probe = PerfProbe::of(std::getenv("LUMENARY_BENCH"), std::getenv("LUMENARY_OFF"));
+  platform.probe.launchedAt = launchedAt;
+  platform.processID = ::getpid();
   platform.processors = [] { return std::max(1U, std::thread::hardware_concurrency()); };
   return platform;
 }

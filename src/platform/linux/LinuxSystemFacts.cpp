@@ -140,6 +140,30 @@ DeletedOpenFiles LinuxSystemFacts::deletedOpenFiles() const {
   return files.found;
 }
 
+std::vector<std::string> LinuxSystemFacts::openPaths() const {
+  std::set<std::string> paths;
+  const auto add = [&](const fs::path& link) {
+    std::error_code unreadable;
+    std::string target = fs::read_symlink(link, unreadable).string();
+    if (!unreadable && target.starts_with('/')) {
+      paths.insert(std::move(target));
+    }
+  };
+  std::error_code error;
+  for (fs::directory_iterator at("/proc", error), end; !error && at != end; at.increment(error)) {
+    if (numberAtFront<std::int32_t>(at->path().filename().native()) <= 0) {
+      continue;
+    }
+    add(at->path() / "cwd");
+    std::error_code closed;
+    for (fs::directory_iterator file(at->path() / "fd", closed), last; !closed && file != last;
+         file.increment(closed)) {
+      add(file->path());
+    }
+  }
+  return {paths.begin(), paths.end()};
+}
+
 std::optional<std::int64_t> LinuxSystemFacts::reservedBytes(const std::string& path) const {
   struct statvfs volume{};
   std::int64_t bytes = 0;

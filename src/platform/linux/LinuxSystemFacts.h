@@ -12,6 +12,7 @@ class LinuxSystemFacts final : public SystemFacts {
   std::string kernelRelease() const override;
   std::vector<SwapFile> swapFiles() const override;
   DeletedOpenFiles deletedOpenFiles() const override;
+  std::vector<std::string> openPaths() const override;
   std::optional<std::int64_t> reservedBytes(const std::string& path) const override;
   std::optional<RoomOnVolume> room(const std::string&) const override { return std::nullopt; }
 };
