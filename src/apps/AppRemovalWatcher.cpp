@@ -35,22 +35,11 @@ std::string RemovedAppsNotice::message() const {
 
 void AppRemovalWatcher::start() { known_ = snapshot_(); }
 
-void AppRemovalWatcher::onEvent(Instant now) { nextCheck_ = now + settlingTime; }
-
-void AppRemovalWatcher::runDue(Instant now) {
-  if (nextCheck_ && *nextCheck_ <= now) {
-    nextCheck_.reset();
-    check();
-  }
-}
-
-void AppRemovalWatcher::check() {
+std::vector<RemovedApp> AppRemovalWatcher::check() {
   Snapshot after = snapshot_();
-  const std::vector<RemovedApp> removed = removedApps(known_, after, isInstalledAnywhere_);
+  std::vector<RemovedApp> removed = removedApps(known_, after, isInstalledAnywhere_);
   known_ = std::move(after);
-  if (!removed.empty()) {
-    onRemoved_(removed);
-  }
+  return removed;
 }
 
 std::vector<RemovedApp> AppRemovalWatcher::removedApps(

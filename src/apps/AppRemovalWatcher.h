@@ -37,30 +37,22 @@ struct RemovedAppsNotice {
   bool operator==(const RemovedAppsNotice&) const = default;
 };
 
-/// Notices that apps went. It has neither a thread nor a clock: whoever owns it passes on each event of the watched
-/// folders, and comes back when the next check is due. One thread at a time.
+/// Notices that apps went. Whoever owns it checks when the folders of apps have changed and come to rest. Its
+/// operations block; one thread at a time.
 class AppRemovalWatcher {
  public:
-  using Instant = std::chrono::steady_clock::time_point;
   using Snapshot = std::map<std::string, std::string>;  ///< the names of the installed apps by their ids
 
-  /// Copying or removing one app makes many events; they are one check, this long after the last.
+  /// Copying or removing one app makes many changes; they are one check, this long after the last.
   static constexpr std::chrono::milliseconds settlingTime{4000};
 
-  /// The functions are called by `start` and `runDue` alone; they may block.
-  AppRemovalWatcher(std::function<Snapshot()> snapshot, std::function<bool(const std::string&)> isInstalledAnywhere,
-                    std::function<void(const std::vector<RemovedApp>&)> onRemoved)
-      : snapshot_(std::move(snapshot)),
-        isInstalledAnywhere_(std::move(isInstalledAnywhere)),
-        onRemoved_(std::move(onRemoved)) {}
+  AppRemovalWatcher(std::function<Snapshot()> snapshot, std::function<bool(const std::string&)> isInstalledAnywhere)
+      : snapshot_(std::move(snapshot)), isInstalledAnywhere_(std::move(isInstalledAnywhere)) {}
 
   /// Takes the baseline: what was removed before isn't noticed.
   void start();
-  /// An event in a watched folder: a check is due after the settling time, and none before.
-  void onEvent(Instant now);
-  std::optional<Instant> nextCheckAt() const { return nextCheck_; }
-  /// Checks where one is due.
-  void runDue(Instant now);
+  /// What went since the last look.
+  std::vector<RemovedApp> check();
 
   /// What was there before and isn't any more, in the order of the names; not what the system brings along, nor what
   /// still stands anywhere.
@@ -68,13 +60,9 @@ class AppRemovalWatcher {
                                              const std::function<bool(const std::string&)>& isInstalledAnywhere);
 
  private:
-  void check();
-
   std::function<Snapshot()> snapshot_;
   std::function<bool(const std::string&)> isInstalledAnywhere_;
-  std::function<void(const std::vector<RemovedApp>&)> onRemoved_;
   Snapshot known_;
-  std::optional<Instant> nextCheck_;
 };
 
 /// The snapshot of what a registry knows; of two apps with one id one stays.

@@ -151,6 +151,26 @@ std::vector<ProcessSnapshot> ProcessInspector::snapshots(std::size_t limit, Date
   return list;
 }
 
+std::vector<RunningApp> ProcessInspector::runningApps(Date now) {
+  const std::lock_guard guard(lock_);
+  return sampleAt(now).apps;
+}
+
+std::string ProcessInspector::commandLines(Date now) {
+  constexpr std::size_t longest = 16 * 1024;
+  const std::lock_guard guard(lock_);
+  std::string lines;
+  for (const ProcessUsage& process : sampleAt(now).processes) {
+    std::string line;
+    for (const std::string& argument : reader_.arguments(process.pid, longest)) {
+      line.append(line.empty() ? "" : " ").append(argument);
+    }
+    std::ranges::replace(line, '\n', ' ');
+    lines += line + "\n";
+  }
+  return lines;
+}
+
 bool ProcessInspector::quit(const AppMemoryUsage& usage) {
   const std::string bundle = usage.bundlePath.value_or("");
   const auto belongs = [&](std::int32_t pid) { return isSameOrInside(reader_.appPath(pid), bundle); };

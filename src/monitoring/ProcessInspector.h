@@ -69,6 +69,11 @@ class ProcessInspector {
   /// The apps that run, the busiest first, at most `limit`.
   std::vector<ProcessSnapshot> snapshots(std::size_t limit, Date now);
 
+  /// The apps with windows that run.
+  std::vector<RunningApp> runningApps(Date now);
+  /// The command lines of all processes that can be seen, one a line.
+  std::string commandLines(Date now);
+
   /// Asks an app to quit; its processes to end, where the app itself can't be asked. True if anything was asked.
   bool quit(const AppMemoryUsage& usage);
 

@@ -5,10 +5,7 @@
 namespace lumenary {
 namespace {
 
-using std::chrono::milliseconds;
-using std::chrono::seconds;
 using Snapshot = AppRemovalWatcher::Snapshot;
-using Instant = AppRemovalWatcher::Instant;
 
 TEST(RemovedApps, AreThoseThatStandNowhereAnyMore) {
   const auto copied = [](const std::string& id) { return id == "org.copied"; };
@@ -42,54 +39,19 @@ TEST(RemovedAppsNotice, NamesTheFirstAndCountsTheOthers) {
   EXPECT_EQ(RemovedAppsNotice::of({chat, maps}, 1 << 30)->title(), "Chat and 1 more");
 }
 
-/// A watcher over apps that the test installs and removes, at a clock that it turns.
-struct WatchedApps {
+TEST(AppRemovalWatcher, TellsEachRemovalOnce) {
   Snapshot installed = {{"a", "A"}, {"b", "B"}};
-  int snapshots = 0;
-  std::vector<std::vector<RemovedApp>> told;
-  AppRemovalWatcher watcher{[this] {
-                              ++snapshots;
-                              return installed;
-                            },
-                            [](const std::string&) { return false; },
-                            [this](const std::vector<RemovedApp>& removed) { told.push_back(removed); }};
-  const Instant start{};
-};
-
-TEST(AppRemovalWatcher, ManyEventsAreOneCheckFourSecondsAfterTheLast) {
-  WatchedApps apps;
-  apps.watcher.start();
-  EXPECT_EQ(apps.watcher.nextCheckAt(), std::nullopt);
-  apps.installed.erase("a");
-  for (const int at : {0, 1500, 3900}) {
-    apps.watcher.onEvent(apps.start + milliseconds(at));
-  }
-  EXPECT_EQ(apps.watcher.nextCheckAt(), apps.start + milliseconds(7900));
-  apps.watcher.runDue(apps.start + milliseconds(7899));
-  EXPECT_EQ(apps.snapshots, 1);
-  apps.watcher.runDue(apps.start + milliseconds(7900));
-  EXPECT_EQ(apps.told, (std::vector<std::vector<RemovedApp>>{{{"a", "A"}}}));
-  EXPECT_EQ(apps.watcher.nextCheckAt(), std::nullopt);
-  apps.watcher.runDue(apps.start + seconds(60));
-  EXPECT_EQ(apps.snapshots, 2);
-}
-
-TEST(AppRemovalWatcher, TellsEachRemovalOnceAndForgetsWhatCameBackInTime) {
-  WatchedApps apps;
-  apps.watcher.start();
-  const auto change = [&](const Snapshot& installed, int at) {
-    apps.installed = installed;
-    apps.watcher.onEvent(apps.start + seconds(at));
-    apps.watcher.runDue(apps.start + seconds(at + 4));
-  };
-  apps.installed.erase("b");
-  apps.watcher.onEvent(apps.start);
-  change({{"a", "A"}, {"b", "B 2"}}, 1);
-  EXPECT_TRUE(apps.told.empty()) << "an update takes the app away for a moment";
-  change({{"b", "B 2"}}, 10);
-  change({{"b", "B 2"}, {"c", "C"}}, 20);
-  change({{"b", "B 2"}}, 30);
-  EXPECT_EQ(apps.told, (std::vector<std::vector<RemovedApp>>{{{"a", "A"}}, {{"c", "C"}}}));
+  AppRemovalWatcher watcher([&] { return installed; }, [](const std::string&) { return false; });
+  using Removed = std::vector<RemovedApp>;
+  installed.emplace("before", "Before");
+  watcher.start();
+  installed = {{"a", "A"}, {"b", "B 2"}};
+  EXPECT_EQ(watcher.check(), (Removed{{"before", "Before"}}));
+  EXPECT_EQ(watcher.check(), Removed{});
+  installed = {{"b", "B 2"}, {"c", "C"}};
+  EXPECT_EQ(watcher.check(), (Removed{{"a", "A"}}));
+  installed = {{"b", "B 2"}};
+  EXPECT_EQ(watcher.check(), (Removed{{"c", "C"}}));
 }
 
 class FixedRegistry final : public AppRegistry {
