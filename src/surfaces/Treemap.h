@@ -3,16 +3,9 @@
 #include <span>
 #include <vector>
 
+#include "base/Rectangle.h"
+
 namespace lumenary {
-
-struct Rectangle {
-  double x = 0;
-  double y = 0;
-  double width = 0;
-  double height = 0;
-
-  bool operator==(const Rectangle&) const = default;
-};
 
 namespace Treemap {
 
