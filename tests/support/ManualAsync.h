@@ -1,5 +1,9 @@
 #pragma once
 
+#include <poll.h>
+
+#include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
@@ -7,8 +11,6 @@
 #include <functional>
 #include <map>
 #include <mutex>
-#include <set>
-#include <string>
 #include <utility>
 
 #include "core/async/Workers.h"
@@ -26,7 +28,7 @@ class ManualExecutor final : public Executor {
   }
   Instant now() const override { return now_; }
   TimerID callAfter(Duration delay, Call call) override {
-    timers_.emplace(std::pair(now_ + delay, ++lastTimer_), std::move(call));
+    timers_.emplace(std::pair(now() + delay, ++lastTimer_), std::move(call));
     return lastTimer_;
   }
   void cancelTimer(TimerID timer) override {
@@ -42,7 +44,7 @@ class ManualExecutor final : public Executor {
   }
   /// Turns the clock on; what falls due on the way runs at its time.
   void advance(Duration time) {
-    const Instant end = now_ + time;
+    const Instant end = now() + time;
     runAll();
     while (runDueTimer(end)) {
       runAll();
@@ -63,12 +65,25 @@ class ManualExecutor final : public Executor {
     }
     return true;
   }
+  /// Tells of the watched files that can be read, in truth.
+  void pollWatched() {
+    auto watched = watched_;
+    for (const auto& [file, call] : watched) {
+      pollfd state{.fd = file, .events = POLLIN, .revents = 0};
+      if (::poll(&state, 1, 0) > 0 && (state.revents & POLLIN) != 0) {
+        call();
+      }
+    }
+  }
   /// The watched file can be read.
   void signal(const Descriptor& file) { watched_.at(file.number())(); }
   bool isWatching(const Descriptor& file) const { return watched_.contains(file.number()); }
 
+  /// The longest that one call kept the owner's thread.
+  Duration longestHold() const { return longestHold_; }
+
   std::size_t timerCount() const { return timers_.size(); }
-  Duration elapsed() const { return now_.time_since_epoch(); }
+  Duration elapsed() const { return now().time_since_epoch(); }
 
  private:
   bool runPosted() {
@@ -81,16 +96,21 @@ class ManualExecutor final : public Executor {
       call = std::move(posted_.front());
       posted_.pop_front();
     }
-    call();
+    hold(call);
     return true;
+  }
+  void hold(Call& call) {
+    const auto began = std::chrono::steady_clock::now();
+    call();
+    longestHold_ = std::max<Duration>(longestHold_, std::chrono::steady_clock::now() - began);
   }
   bool runDueTimer(Instant until) {
     if (timers_.empty() || timers_.begin()->first.first > until) {
       return false;
     }
     auto due = timers_.extract(timers_.begin());
-    now_ = std::max(now_, due.key().first);
-    due.mapped()();
+    now_ = std::max(now_.load(), due.key().first);
+    hold(due.mapped());
     return true;
   }
 
@@ -100,7 +120,8 @@ class ManualExecutor final : public Executor {
   std::map<std::pair<Instant, TimerID>, Call> timers_;
   std::map<int, std::function<void()>> watched_;
   TimerID lastTimer_ = 0;
-  Instant now_{};
+  std::atomic<Instant> now_{};  ///< also read by work that asks for the time
+  Duration longestHold_{};
 };
 
 /// Work that is done when the test says so, on the test's own thread.
@@ -131,6 +152,28 @@ class ManualWorkers final : public Workers {
   }
 
   Waiting waiting_;
+};
+
+/// Real threads, and how much of their work hasn't ended.
+class CountedThreads final : public Workers {
+ public:
+  explicit CountedThreads(Executor& owner) : owner_(owner), threads_(setThreadPriority) {}
+
+  void run(Lane lane, Work work) override {
+    ++pending_;
+    threads_.run(lane, [this, work = std::move(work)]() mutable {
+      work();
+      work = {};
+      // The owner may be waiting for this to be the last.
+      owner_.post([this] { --pending_; });
+    });
+  }
+  bool isIdle() const { return pending_ == 0; }
+
+ private:
+  Executor& owner_;
+  std::atomic<std::size_t> pending_ = 0;
+  ThreadWorkers threads_;
 };
 
 }  // namespace lumenary
