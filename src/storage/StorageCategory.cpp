@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <span>
 
 #include "base/EnumText.h"
 #include "base/Path.h"
@@ -43,6 +44,8 @@ constexpr auto markedComponents = std::to_array<MarkedComponent>({{"applications
                                                                   {"library", 4},
                                                                   {"private", 4},
                                                                   {"usr", 4}});
+/// What Linux calls the same.
+constexpr auto linuxComponents = std::to_array<MarkedComponent>({{".cache", 2}, {"videos", 3}});
 
 }  // namespace
 
@@ -63,9 +66,11 @@ CategoryMarks CategoryMarks::of(std::string_view path) {
 }
 
 void CategoryMarks::add(std::string_view component) {
-  for (const MarkedComponent& marked : markedComponents) {
-    if (equalsIgnoringCase(component, marked.name)) {
-      firstRule_ = std::min(firstRule_, marked.rule);
+  const auto isMeant = [&](const MarkedComponent& marked) { return equalsIgnoringCase(component, marked.name); };
+  for (const std::span<const MarkedComponent> table :
+       {std::span<const MarkedComponent>(markedComponents), std::span<const MarkedComponent>(linuxComponents)}) {
+    if (const auto marked = std::ranges::find_if(table, isMeant); marked != table.end()) {
+      firstRule_ = std::min(firstRule_, marked->rule);
       return;
     }
   }

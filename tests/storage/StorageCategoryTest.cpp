@@ -27,7 +27,8 @@ TEST(StorageCategory, IsTheFirstRuleThatHolds) {
       {"/Users/a/Library/Pictures", personal},
       {"/Users/a/Library/Foo", system},
       {"/usr/share", system},
-      {"/home/anna/.cache/x", unclassified},
+      {"/home/anna/.cache/x", caches},
+      {"/home/anna/Videos/a", personal},
       {"/home/anna/documents2", unclassified},
       {"/", unclassified},
   };
