@@ -17,13 +17,15 @@ import home
 import live
 import machine
 import measuring
+import model
 import plan
 import scan
 import search
 import store
 
 BENCHES = {"cleanup": cleanup.run, "scan": scan.run, "store": store.run, "search": search.run,
-           "duplicates": duplicates.run, "plan": plan.run, "apps": apps.run, "live": live.run}
+           "duplicates": duplicates.run, "plan": plan.run, "apps": apps.run, "live": live.run,
+           "model": model.run}
 CHECKS = {"gate": gate.run, "home": home.run, "machine": machine.run}  # not a part of everything
 
 TOP = pathlib.Path(__file__).resolve().parent.parent

@@ -107,9 +107,10 @@ Task<> AppModel::patchScan(std::vector<RemovedItem> removed) {
       co_return;
     }
     const std::uint64_t revision = storageRevision_;
-    const Scan patched = co_await scheduler_.start(Lane::interactive, [scan, removed](const std::stop_token&) -> Scan {
-      return std::make_shared<const StorageScanResult>(withoutRemoved(*scan, removed));
-    });
+    const Scan patched = co_await scheduler_.start(
+        Lane::interactive, [scan, removed, share = scheduler_.sharer()](const std::stop_token&) -> Scan {
+          return share(withoutRemoved(*scan, removed));
+        });
     if (revision == storageRevision_) {
       setStorageResult(patched);
       refreshVolumeSnapshot();

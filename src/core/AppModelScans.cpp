@@ -10,10 +10,11 @@
 namespace lumenary {
 
 Job<AppModel::Scan> AppModel::loadScan(const std::string& root) {
-  return scheduler_.start(Lane::interactive, [engine = engine_, root](const std::stop_token&) -> Scan {
-    auto loaded = engine->store.load(root);
-    return loaded && *loaded ? std::make_shared<const StorageScanResult>(**std::move(loaded)) : nullptr;
-  });
+  return scheduler_.start(Lane::interactive,
+                          [engine = engine_, root, share = scheduler_.sharer()](const std::stop_token&) -> Scan {
+                            auto loaded = engine->store.load(root);
+                            return loaded && *loaded ? share(**std::move(loaded)) : nullptr;
+                          });
 }
 
 /// Whatever belongs to the former request ends silently at its next step.
@@ -50,10 +51,9 @@ Task<> AppModel::scan(FileURL url, UUID request, std::stop_source stop) {
   using Result = std::expected<Scan, StorageScannerError>;
   const Result result = co_await scheduler_.start(
       Lane::interactive,
-      [engine = engine_, root = url.path, show](const std::stop_token& token) -> Result {
+      [engine = engine_, root = url.path, show, share = scheduler_.sharer()](const std::stop_token& token) -> Result {
         auto found = engine->scanner.scan(root, show, token);
-        return found ? Result(std::make_shared<const StorageScanResult>(*std::move(found)))
-                     : std::unexpected(found.error());
+        return found ? Result(share(*std::move(found))) : std::unexpected(found.error());
       },
       stop);
   if (!isCurrent()) {
@@ -115,13 +115,10 @@ void AppModel::setStorageResult(Scan scan) {
   insightsTask_.reset();
   wardrobeSnapshot.setIfChanged(nullptr);
   closetModel.setIfChanged(nullptr);
-  // The former one, with its tree, is large: it goes where nobody waits.
-  warming_ = scheduler_.start(Lane::utility, [former = *storageResult, scan](const std::stop_token&) {
-    if (scan) {
-      scan->children(scan->root.path);
-    }
-    return true;
-  });
+  if (scan) {
+    warming_ = scheduler_.start(Lane::utility,
+                                [scan](const std::stop_token&) { return !scan->children(scan->root.path).empty(); });
+  }
   storageResult.set(std::move(scan));
 }
 
@@ -131,9 +128,10 @@ Task<> AppModel::prepareStorageModels(bool includeCloset) {
   }
   const std::uint64_t revision = storageRevision_;
   const auto derive = [&]<class Model>(std::type_identity<Model>) {
-    return scheduler_.start(
-        Lane::interactive, [scan = *storageResult, volume = **volumeSnapshot, gate = gate_, engine = engine_](
-                               const std::stop_token&) { return std::make_shared<const Model>(*scan, volume, *gate); });
+    return scheduler_.start(Lane::interactive, [scan = *storageResult, volume = **volumeSnapshot, gate = gate_,
+                                                engine = engine_, share = scheduler_.sharer()](const std::stop_token&) {
+      return share(Model(*scan, volume, *gate));
+    });
   };
   if (!*wardrobeSnapshot && !wardrobeTask_) {
     wardrobeTask_ = derive(std::type_identity<WardrobeSnapshot>());

@@ -29,6 +29,16 @@ class Scheduler {
     return Job<Value>(std::move(state));
   }
 
+  /// Makes a shared value that a worker takes apart when the last one lets go of it: for what is so large that this
+  /// would hold the owner up. The function may be used on any thread; the workers must outlive what it makes.
+  auto sharer() {
+    return [&workers = workers_]<class Value>(Value value) {
+      return std::shared_ptr<const Value>(new Value(std::move(value)), [&workers](const Value* last) {
+        workers.run(Lane::utility, [owned = std::unique_ptr<const Value>(last)] {});
+      });
+    };
+  }
+
   Executor& owner() { return owner_; }
 
  private:

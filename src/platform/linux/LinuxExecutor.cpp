@@ -151,7 +151,7 @@ void LinuxExecutor::runReady() {
 }
 
 void LinuxExecutor::run() {
-  while (!isStopped_) {
+  while (!isStopped_.exchange(false)) {
     epoll_event event{};
     ::epoll_wait(poll_.number(), &event, 1, -1);
     runReady();

@@ -30,7 +30,7 @@ class LinuxExecutor final : public Executor {
   const Descriptor& readiness() const { return poll_; }
   /// Makes the calls that are due now, and none that they lead to, without waiting.
   void runReady();
-  /// The same again and again, waiting in between, until `stop`.
+  /// The same again and again, waiting in between, until `stop`; it can be run again.
   void run();
   /// From any thread.
   void stop();
