@@ -22,7 +22,7 @@ CleanupCandidate::Classification classificationOf(std::string_view path) {
 
 }  // namespace
 
-std::vector<CleanupCandidate> plannedCandidates(const TidyPlan* plan, std::span<const CleanupCandidate> former) {
+std::vector<CleanupCandidate> buildCandidates(const TidyPlan* plan, std::span<const CleanupCandidate> former) {
   if (plan == nullptr) {
     return {};
   }

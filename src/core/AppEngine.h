@@ -29,12 +29,12 @@ struct AppEngine {
   ScanStore& store;
   const Places places;  ///< with the names that the desktop gave the person's folders
   StorageScanner scanner;
-  VolumeMetricsService volumes;
-  ProcessInspector processes;
-  PortInspector ports;
+  VolumeMetricsService volumeMetrics;
+  ProcessInspector processInspector;
+  PortInspector portInspector;
   CleanupCatalog catalog;
   std::unique_ptr<AppSystem> apps;
-  AppRemovalWatcher removals;
+  AppRemovalWatcher appRemovalWatcher;
   CleanupActs acts;
 };
 

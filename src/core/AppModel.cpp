@@ -40,7 +40,7 @@ AppModel::AppModel(Platform& platform, ScanStore& store, Scheduler& scheduler, S
       monitoring_(scheduler.owner(), [this](MonitoringDemand demand) { return performMonitoringPass(demand); }) {
   hasFullDiskAccess.set(platform.places.hasFullDiskAccess);
   volumeSnapshot.set(capture(macVolumeRoot));
-  drives.setIfChanged(engine_->volumes.mountedDrives());
+  drives.setIfChanged(engine_->volumeMetrics.mountedDrives());
   if (services == Services::all) {
     startServices();
   }

@@ -233,7 +233,7 @@ class AppModel {
   UUID newScanRequest();
   void setStorageResult(Scan scan);
   Job<bool> saveScan(Scan scan);
-  std::optional<VolumeSnapshot> capture(const FileURL& url) const { return engine_->volumes.capture(url.path); }
+  std::optional<VolumeSnapshot> capture(const FileURL& url) const { return engine_->volumeMetrics.capture(url.path); }
   void refreshVolumeSnapshot() { volumeSnapshot.set(capture(*selectedDrive)); }
   void drivesChanged();
   void recordDiskSample();

@@ -21,7 +21,7 @@ Task<> AppModel::refreshApps() {
                                  if (scan && scan->folderByteTotals) {
                                    request.knownSizes = *scan->folderByteTotals;
                                  }
-                                 for (const RunningApp& app : engine->processes.runningApps(date)) {
+                                 for (const RunningApp& app : engine->processInspector.runningApps(date)) {
                                    request.runningBundleIDs.insert(app.id);
                                  }
                                  return engine->apps->inventory(std::move(request), stop);
@@ -66,7 +66,7 @@ Task<std::optional<std::string>> AppModel::removeBackgroundItem(BackgroundItem i
 Task<> AppModel::watchApps() {
   const auto engine = engine_;
   auto folders = co_await scheduler_.start(Lane::watch, [engine](const std::stop_token&) {
-    engine->removals.start();
+    engine->appRemovalWatcher.start();
     return engine->platform.apps->watchedFolders();
   });
   appChanges_ = std::make_unique<FolderChanges>(owner(), *platform_.folderWatcher, AppRemovalWatcher::settlingTime,
@@ -82,7 +82,7 @@ Task<> AppModel::checkRemovedApps() {
     std::vector<std::string> folders;
   };
   Found found = co_await scheduler_.start(Lane::watch, [engine](const std::stop_token&) {
-    return Found{.removed = engine->removals.check(), .folders = engine->platform.apps->watchedFolders()};
+    return Found{.removed = engine->appRemovalWatcher.check(), .folders = engine->platform.apps->watchedFolders()};
   });
   appChanges_->watch(std::move(found.folders));
   if (!found.removed.empty()) {

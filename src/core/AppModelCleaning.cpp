@@ -221,7 +221,7 @@ Task<> AppModel::refreshBusyTools() {
   }
   busyTidyTitles.setIfChanged(co_await scheduler_.start(
       Lane::utility, [engine = engine_, titles = std::move(titles), date = now()](const std::stop_token&) {
-        const std::string running = engine->processes.commandLines(date);
+        const std::string running = engine->processInspector.commandLines(date);
         CleanSelection::Titles busy = busyTitles(running);
         busy.merge(busyTitles(running, engine->apps->busyMarkers()));
         busy.merge(busyTitlesByProgram(running, titles));

@@ -82,7 +82,7 @@ void AppModel::publishBaseInsights(TidyPlan plan, std::uint64_t revision) {
 void AppModel::publishPlannedCandidates() {
   if (projects->empty()) {
     const auto& plan = *tidyPlan;
-    cleanupCandidates.set(plannedCandidates(plan ? &*plan : nullptr, *cleanupCandidates));
+    cleanupCandidates.set(buildCandidates(plan ? &*plan : nullptr, *cleanupCandidates));
   }
 }
 

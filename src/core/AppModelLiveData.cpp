@@ -61,8 +61,8 @@ Task<> AppModel::sampleProcesses() {
     std::vector<AppMemoryUsage> apps;
   };
   auto sampled = co_await scheduler_.start(Lane::interactive, [engine = engine_, date = now()](const std::stop_token&) {
-    return Sampled{.processes = engine->processes.snapshots(listedProcesses, date),
-                   .apps = engine->processes.appUsage(date)};
+    return Sampled{.processes = engine->processInspector.snapshots(listedProcesses, date),
+                   .apps = engine->processInspector.appUsage(date)};
   });
   processes.setIfChanged(std::move(sampled.processes));
   appMemory.setIfChanged(std::move(sampled.apps));
@@ -72,7 +72,7 @@ Task<> AppModel::sampleProcesses() {
 Task<> AppModel::samplePorts() {
   lastPortSample_ = now();
   ports.setIfChanged(co_await scheduler_.start(Lane::utility, [engine = engine_, date = now()](const std::stop_token&) {
-    return engine->ports.listeningPorts(date);
+    return engine->portInspector.listeningPorts(date);
   }));
   hasPortSample.setIfChanged(true);
 }
@@ -82,10 +82,10 @@ Task<std::optional<std::string>> AppModel::quitAndConfirm(AppMemoryUsage usage) 
       Lane::interactive, [engine = engine_, usage = std::move(usage)](const std::stop_token& stop) {
         const Platform& platform = engine->platform;
         const NotchProcessActions actions(
-            *platform.processes, *platform.appControl, engine->ports,
+            *platform.processes, *platform.appControl, engine->portInspector,
             {.uid = platform.places.userID, .pid = platform.processID},
             [&stop](std::chrono::milliseconds time) { return waitUnlessStopped(time, stop); });
-        return actions.quitAndConfirm(engine->processes, usage);
+        return actions.quitAndConfirm(engine->processInspector, usage);
       });
   monitoring_.restart();
   co_return failure;

@@ -161,7 +161,7 @@ Task<> AppModel::prepareStorageModels(bool includeCloset) {
 
 void AppModel::drivesChanged() {
   gate_ = engine_->makeGate();
-  drives.setIfChanged(engine_->volumes.mountedDrives());
+  drives.setIfChanged(engine_->volumeMetrics.mountedDrives());
   const auto isSelected = [&](const DriveInfo& drive) { return drive.url.path == selectedDrive->path; };
   if (std::ranges::any_of(*drives, isSelected)) {
     refreshVolumeSnapshot();

@@ -19,7 +19,7 @@ TEST(PlannedCandidates, AreTheBuildFilesOfThePlanLargestFirstWithTheirFormerIds)
   add("/p/dist", 10, TidyItem::Kind::buildFiles);
   const CleanupCandidate former{
       .id = UUID::random(), .url = {.path = "/p/dist"}, .reason = {}, .consequences = {}, .identity = {}};
-  const auto candidates = plannedCandidates(&plan, std::vector{former});
+  const auto candidates = buildCandidates(&plan, std::vector{former});
   ASSERT_EQ(candidates.size(), 3U);
   EXPECT_EQ(candidates[0].url.path, "/p/target");
   EXPECT_EQ(candidates[1].url.path, "/p/node_modules") << "equal ones in the order of the plan";
@@ -29,7 +29,7 @@ TEST(PlannedCandidates, AreTheBuildFilesOfThePlanLargestFirstWithTheirFormerIds)
   EXPECT_EQ(candidates[0].consequences, "Reason.");
   EXPECT_EQ(candidates[0].classification, Classification::known);
   EXPECT_EQ(candidates[1].classification, Classification::review);
-  EXPECT_TRUE(plannedCandidates(nullptr, candidates).empty());
+  EXPECT_TRUE(buildCandidates(nullptr, candidates).empty());
 }
 
 }  // namespace
