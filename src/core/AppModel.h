@@ -255,6 +255,8 @@ class AppModel {
   Task<> watchApps();
   Task<> checkRemovedApps();
   Task<> appsWereRemoved(std::vector<RemovedApp> removed);
+  /// Asks the one gate for the right to speak up, and takes it.
+  Job<bool> mayInterrupt();
   Task<> notify(std::string title, std::string body, std::string identifier);
 
   // What runs.

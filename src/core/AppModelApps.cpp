@@ -113,13 +113,15 @@ Task<> AppModel::appsWereRemoved(std::vector<RemovedApp> removed) {
     co_return;
   }
   removedAppsNotice.set(notice);
-  const bool mayInterrupt =
-      co_await scheduler_.start(Lane::watch, [engine = engine_, date = now()](const std::stop_token&) {
-        return NotchInterruption::claim(*engine->platform.defaults, *engine->platform.session, date);
-      });
-  if (mayInterrupt && !notchFlash(notice->message())) {
+  if (co_await mayInterrupt() && !notchFlash(notice->message())) {
     co_await notify(notice->message(), RemovedAppsNotice::body, "app-removed");
   }
+}
+
+Job<bool> AppModel::mayInterrupt() {
+  return scheduler_.start(Lane::watch, [engine = engine_, date = now()](const std::stop_token&) {
+    return NotchInterruption::claim(*engine->platform.defaults, *engine->platform.session, date);
+  });
 }
 
 Task<> AppModel::notify(std::string title, std::string body, std::string identifier) {

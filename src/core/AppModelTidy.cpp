@@ -138,6 +138,9 @@ Task<> AppModel::considerAutoTidy() {
   if (!receipt || receipt->freedBytes < worthTelling) {
     co_return;
   }
+  if (!co_await mayInterrupt()) {
+    co_return;
+  }
   const std::string line = "Auto-clear moved " + AppFormatting::bytes(receipt->freedBytes) + " to the Trash";
   notchFlash(line);
   co_await notify("Tidied Up", line, "auto-tidy");

@@ -210,6 +210,7 @@ TEST_F(AppModelCleaning, AutoClearRunsAtItsBordersAndNotBefore) {
     std::chrono::seconds sinceScan;
     bool runs;
     bool scans;
+    int megabytes = 60;
   };
   constexpr std::int64_t total = 1'000'000;
   const std::vector<Case> cases = {
@@ -221,12 +222,13 @@ TEST_F(AppModelCleaning, AutoClearRunsAtItsBordersAndNotBefore) {
       {"little room, a day ago", "lowSpace", 99'999, 86'400s, 10s, false, false},
       {"little room, more than a day ago", "lowSpace", 99'999, 86'401s, 86'399s, true, false},
       {"a tenth is room enough", "lowSpace", 100'000, 86'401s, 10s, false, false},
+      {"enough to be told of", "weekly", 0, 604'801s, 10s, true, false, 110},
       {"the last one is told as ahead of now", "weekly", 0, -100s, 10s, true, false},
   };
   for (const Case& tried : cases) {
     SCOPED_TRACE(tried.name);
     ModelHome clean;
-    clean.home.build({{".cache/pip/http/x", 60 * mebibyte}});
+    clean.home.build({{".cache/pip/http/x", tried.megabytes * mebibyte}});
     const auto defaults = [&](const std::string& key, const std::string& value) {
       ASSERT_TRUE(clean.platform.defaults->setString(key, value));
     };
@@ -253,7 +255,9 @@ TEST_F(AppModelCleaning, AutoClearRunsAtItsBordersAndNotBefore) {
     EXPECT_EQ(*model.isScanning, tried.scans);
     EXPECT_EQ(!standsAt(clean.at(".cache/pip")), tried.runs);
     EXPECT_EQ(model.tidyLog->size(), tried.runs ? 1U : 0U);
-    EXPECT_TRUE(clean.desktop.notes.empty()) << "60 MB aren't worth a word";
+    const bool isTold = tried.megabytes >= 100 && tried.runs;
+    EXPECT_EQ(clean.desktop.notes,
+              isTold ? Lines{"auto-tidy: Tidied Up / Auto-clear moved 115.3 MB to the Trash"} : Lines{});
   }
 }
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <coroutine>
 #include <memory>
-#include <optional>
 #include <stop_token>
 #include <utility>
 #include <vector>
@@ -32,7 +31,7 @@ class Job {
     }
 
     std::stop_source stop;
-    std::optional<Value> answer;
+    std::unique_ptr<Value> answer;
     bool hasEnded = false;
     std::vector<std::coroutine_handle<>> awaiting;
   };

@@ -23,7 +23,7 @@ class Scheduler {
   Job<Value> start(Lane lane, Work work, std::stop_source stop = std::stop_source()) {
     auto state = std::make_shared<typename Job<Value>::State>(std::move(stop));
     workers_.run(lane, [state, work = std::move(work), &owner = owner_]() mutable {
-      state->answer.emplace(work(std::as_const(state->stop).get_token()));
+      state->answer = std::make_unique<Value>(work(std::as_const(state->stop).get_token()));
       owner.post([state = std::move(state)] { state->end(); });
     });
     return Job<Value>(std::move(state));

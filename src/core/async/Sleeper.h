@@ -55,8 +55,8 @@ class Sleeper {
     std::exchange(awaiting_, {}).resume();
   }
   void cancel() {
-    if (timer_) {
-      owner_.cancelTimer(*std::exchange(timer_, std::nullopt));
+    if (const auto timer = std::exchange(timer_, std::nullopt)) {
+      owner_.cancelTimer(*timer);
     }
   }
 

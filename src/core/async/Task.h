@@ -3,7 +3,7 @@
 #include <concepts>
 #include <coroutine>
 #include <exception>
-#include <optional>
+#include <memory>
 #include <utility>
 
 namespace lumenary {
@@ -38,11 +38,11 @@ struct TaskPromise : TaskPromiseBase {
   Task<Value> get_return_object();
   template <std::convertible_to<Value> Given>
   void return_value(Given&& given) {
-    value.emplace(std::forward<Given>(given));
+    value = std::make_unique<Value>(std::forward<Given>(given));
   }
-  Value take() { return *std::move(value); }
+  Value take() { return std::move(*value); }
 
-  std::optional<Value> value;
+  std::unique_ptr<Value> value;
 };
 
 template <>
