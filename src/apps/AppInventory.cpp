@@ -64,4 +64,15 @@ std::int64_t AppInventory::leftoverBytes() const {
   return sum;
 }
 
+void AppInventory::removeItems(const std::set<std::string>& paths) {
+  const auto isGone = [&](const AppDataItem& item) { return paths.contains(item.url.path); };
+  for (InstalledApp& app : apps) {
+    std::erase_if(app.items, isGone);
+  }
+  for (LeftoverGroup& group : leftovers) {
+    std::erase_if(group.items, isGone);
+  }
+  std::erase_if(leftovers, [](const LeftoverGroup& group) { return group.items.empty(); });
+}
+
 }  // namespace lumenary

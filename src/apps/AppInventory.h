@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -67,6 +68,8 @@ struct AppInventory {
 
   std::int64_t safeBytes() const;
   std::int64_t leftoverBytes() const;
+  /// Things at these paths have gone; a group with nothing left goes with them.
+  void removeItems(const std::set<std::string>& paths);
 };
 
 }  // namespace lumenary

@@ -1,11 +1,12 @@
 #include "cleanup/CleanupActs.h"
 
 #include <algorithm>
+#include <chrono>
+#include <iterator>
 #include <set>
 #include <utility>
 
 #include "cleanup/CleanupCoordinator.h"
-#include "cleanup/CleanupHistory.h"
 #include "cleanup/CleanupRecovery.h"
 #include "cleanup/EmptiedItems.h"
 #include "cleanup/MoveAttempt.h"
@@ -17,6 +18,9 @@ namespace {
 using Item = CleanupTransaction::Item;
 using Outcome = Item::Outcome;
 using Transactions = CleanupActs::Transactions;
+
+/// The log keeps seconds.
+Date asLogged(Date date) { return std::chrono::floor<std::chrono::seconds>(date); }
 
 CleanupTransaction newTransaction(CleanupTransaction::Source source) {
   return {.id = UUID::random(), .timestamp = {}, .source = source, .items = {}};
@@ -30,6 +34,11 @@ Item itemOf(const CleanupOutcome& outcome, std::int64_t measuredBytes, std::stri
           .ruleID = std::move(ruleID),
           .outcome = outcome.success ? Outcome::movedToTrash : Outcome::failed,
           .message = outcome.message};
+}
+
+CleanupOutcome cancelledMove(const FileURL& url) {
+  return {
+      .id = UUID::random(), .url = url, .trashURL = {}, .message = std::string(description(MoveRefusal::cancelled))};
 }
 
 const CleanupTransaction* find(const Transactions& log, const UUID& id) {
@@ -46,7 +55,7 @@ CleanupActs::Done CleanupActs::finish(std::vector<CleanupOutcome> outcomes, Clea
   }
   // The clock may have been set back meanwhile.
   const Date now = tools_.now();
-  transaction.timestamp = std::max(now, journal.lastIntended().value_or(now));
+  transaction.timestamp = asLogged(std::max(now, journal.lastIntended().value_or(now)));
   auto saved = tools_.store.appendCleanupTransaction(transaction);
   if (saved.isSaved) {
     journal.finish();
@@ -57,14 +66,18 @@ CleanupActs::Done CleanupActs::finish(std::vector<CleanupOutcome> outcomes, Clea
           .isSaved = saved.isSaved};
 }
 
-CleanupActs::Done CleanupActs::clean(std::span<const CleanupCandidate> candidates) const {
+CleanupActs::Done CleanupActs::clean(std::span<const CleanupCandidate> candidates, const std::stop_token& stop) const {
   CleanupTransaction transaction = newTransaction(CleanupTransaction::Source::buildCleanup);
   CleanupJournal journal(tools_.files, tools_.store.support());
   const CleanupCoordinator coordinator(tools_.reader, tools_.trash, tools_.places);
-  auto outcomes = coordinator.moveToTrash(candidates, transaction.id, journal);
-  for (std::size_t index = 0; index < outcomes.size(); ++index) {
-    transaction.items.push_back(
-        itemOf(outcomes[index], candidates[index].byteCount, developerRuleID(outcomes[index].url)));
+  std::vector<CleanupOutcome> outcomes;
+  for (const CleanupCandidate& candidate : candidates) {
+    outcomes.push_back(stop.stop_requested() ? cancelledMove(candidate.url)
+                                             : coordinator.moveToTrash(candidate, transaction.id, journal));
+    transaction.items.push_back(itemOf(outcomes.back(), candidate.byteCount, developerRuleID(candidate.url)));
+  }
+  if (std::ranges::any_of(outcomes, &CleanupOutcome::success)) {
+    tools_.trash.writeSizes();
   }
   return finish(std::move(outcomes), std::move(transaction), journal);
 }
@@ -82,14 +95,15 @@ CleanupActs::Done CleanupActs::remove(std::span<const StorageMove> moves, Cleanu
   return finish(std::move(outcomes), std::move(transaction), journal);
 }
 
-/// Where what was put back of a transaction stands now.
-CleanupActs::PutBack CleanupActs::standing(const CleanupTransaction* transaction) const {
+/// Where those items stand that were in the Trash before and have been put back since.
+CleanupActs::PutBack CleanupActs::standing(const CleanupTransaction* before, const CleanupTransaction* after) const {
   PutBack standing;
-  if (transaction == nullptr) {
+  if (before == nullptr || after == nullptr) {
     return standing;
   }
-  for (const Item& item : transaction->items) {
-    if (item.outcome != Outcome::restored) {
+  for (std::size_t index = 0; index < std::min(before->items.size(), after->items.size()); ++index) {
+    const Item& item = after->items[index];
+    if (before->items[index].outcome != Outcome::movedToTrash || item.outcome != Outcome::restored) {
       continue;
     }
     if (const auto found = tools_.reader.attributes(item.originalURL.path, LinkPolicy::refuse)) {
@@ -99,20 +113,34 @@ CleanupActs::PutBack CleanupActs::standing(const CleanupTransaction* transaction
   return standing;
 }
 
+CleanupActs::Undone CleanupActs::undone(CleanupHistory& history, const UUID& transactionID,
+                                        const std::function<std::optional<std::string>()>& act) const {
+  const Transactions before = history.cleanupTransactions();
+  auto failure = act();
+  const Transactions& log = history.cleanupTransactions();
+  const CleanupTransaction* const after = find(log, transactionID);
+  Undone undone{.failure = std::move(failure),
+                .isSaved = history.isSaved(),
+                .putBack = standing(find(before, transactionID), after)};
+  if (undone.isSaved) {
+    undone.log = log;
+  } else if (after != nullptr) {
+    undone.log = {*after};
+  }
+  return undone;
+}
+
 CleanupActs::Undone CleanupActs::undo(const UUID& transactionID, const Transactions& known) const {
   CleanupHistory history(tools_.files, tools_.store, tools_.trash);
   history.load(known);
-  auto failure = history.undoTrash(transactionID);
-  const Transactions& log = history.cleanupTransactions();
-  return {.failure = std::move(failure), .log = log, .putBack = standing(find(log, transactionID))};
+  return undone(history, transactionID, [&] { return history.undoTrash(transactionID); });
 }
 
 CleanupActs::Undone CleanupActs::restore(const UUID& transactionID, const UUID& itemID,
                                          const Transactions& known) const {
   CleanupHistory history(tools_.files, tools_.store, tools_.trash);
   history.load(known);
-  auto failure = history.restoreCleanupItem(transactionID, itemID);
-  return {.failure = std::move(failure), .log = history.cleanupTransactions()};
+  return undone(history, transactionID, [&] { return history.restoreCleanupItem(transactionID, itemID); });
 }
 
 CleanupOutcome CleanupActs::moveAgain(const Item& item, const CleanupTransaction& again, const PutBack& putBack,
@@ -167,21 +195,24 @@ CleanupActs::Done CleanupActs::redo(const UUID& transactionID, const PutBack& pu
 }
 
 CleanupActs::Merged CleanupActs::merge(std::span<const UUID> ids) const {
+  recoverInterruptedActs(tools_.files, tools_.store, tools_.trash);
   const std::set<UUID> wanted(ids.begin(), ids.end());
   const auto isWanted = [&](const CleanupTransaction& transaction) { return wanted.contains(transaction.id); };
   Merged merged;
-  recoverInterruptedActs(tools_.files, tools_.store, tools_.trash);
   auto saved = tools_.store.updateCleanupTransactions([&](Transactions& transactions) {
     Transactions parts;
     std::ranges::copy_if(transactions, std::back_inserter(parts), isWanted);
-    if (parts.empty()) {
+    if (parts.empty() || parts.size() != wanted.size()) {
       return;
     }
     std::erase_if(transactions, isWanted);
     const Date latest = std::ranges::max(parts, {}, &CleanupTransaction::timestamp).timestamp;
-    merged.transaction = CleanupTransaction::merging(parts, std::max(latest, tools_.now()));
+    merged.transaction = CleanupTransaction::merging(parts, asLogged(std::max(latest, tools_.now())));
     transactions.push_back(*merged.transaction);
   });
+  if (!saved.isSaved) {
+    merged.transaction.reset();
+  }
   merged.log = std::move(saved.transactions);
   return merged;
 }
@@ -190,7 +221,6 @@ CleanupActs::Emptied CleanupActs::empty(TrashBin& bin, const EmptyingProgress& p
                                         const std::stop_token& stop) const {
   Emptied emptied{.result = emptyTrash(bin, progress, stop)};
   if (emptied.result.kind == TrashEmptyResult::Kind::failed) {
-    emptied.log = tools_.store.loadCleanupTransactions();
     return emptied;
   }
   // What a full disk kept out of the log has room now.
@@ -198,6 +228,7 @@ CleanupActs::Emptied CleanupActs::empty(TrashBin& bin, const EmptyingProgress& p
   auto saved = tools_.store.updateCleanupTransactions(
       [&](Transactions& transactions) { recordEmptied(transactions, tools_.reader, tools_.mountTable); });
   emptied.log = std::move(saved.transactions);
+  emptied.isSaved = saved.isSaved;
   return emptied;
 }
 

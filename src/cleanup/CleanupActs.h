@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "cleanup/CleanupCandidate.h"
+#include "cleanup/CleanupHistory.h"
 #include "cleanup/CleanupJournal.h"
 #include "cleanup/StorageTrashCoordinator.h"
 #include "cleanup/StorageTrashGate.h"
@@ -50,17 +51,18 @@ class CleanupActs {
     Transactions log{};                               ///< with the record; empty without one
     bool isSaved = false;                             ///< the log on the disk holds it
   };
-  /// Build folders.
-  Done clean(std::span<const CleanupCandidate> candidates) const;
-  /// Scanned things. After a stop request the rest stays, and the record says so.
+  /// Build folders. After a stop request the rest stays, and the record says so.
+  Done clean(std::span<const CleanupCandidate> candidates, const std::stop_token& stop = {}) const;
+  /// Scanned things; the same.
   Done remove(std::span<const StorageMove> moves, CleanupTransaction::Source source, const StorageTrashGate& gate,
               const std::stop_token& stop = {}) const;
 
-  /// Where things that were put back stand, by their items.
+  /// Where the things that one act put back stand, by their items.
   using PutBack = std::map<UUID, FileIdentity>;
   struct Undone {
     std::optional<std::string> failure{};  ///< the sentence for the person; none where all came back
-    Transactions log{};
+    Transactions log{};                    ///< where it isn't saved, the record in question alone
+    bool isSaved = false;                  ///< it is the log on the disk
     PutBack putBack{};
   };
   /// `known` are the records as they were shown: one that the log on the disk doesn't hold counts as well.
@@ -71,15 +73,17 @@ class CleanupActs {
   Done redo(const UUID& transactionID, const PutBack& putBack) const;
 
   struct Merged {
-    std::optional<CleanupTransaction> transaction{};
+    std::optional<CleanupTransaction> transaction{};  ///< it is in the log on the disk
     Transactions log{};
   };
-  /// Makes one transaction of those with these ids; none where they aren't on record.
+  /// Makes one transaction of those with these ids. None, and nothing changed, where not all of them are on record or
+  /// the log can't be written.
   Merged merge(std::span<const UUID> ids) const;
 
   struct Emptied {
     TrashEmptyResult result;
     Transactions log{};
+    bool isSaved = false;
   };
   /// Removes for good what is in the Trash, and writes down of what that was the end.
   Emptied empty(TrashBin& bin, const EmptyingProgress& progress, const std::stop_token& stop) const;
@@ -89,7 +93,9 @@ class CleanupActs {
   Done finish(std::vector<CleanupOutcome> outcomes, CleanupTransaction transaction, CleanupJournal& journal) const;
   CleanupOutcome moveAgain(const Item& item, const CleanupTransaction& again, const PutBack& putBack,
                            CleanupJournal& journal) const;
-  PutBack standing(const CleanupTransaction* transaction) const;
+  Undone undone(CleanupHistory& history, const UUID& transactionID,
+                const std::function<std::optional<std::string>()>& act) const;
+  PutBack standing(const CleanupTransaction* before, const CleanupTransaction* after) const;
 
   Tools tools_;
 };

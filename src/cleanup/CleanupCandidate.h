@@ -23,6 +23,8 @@ struct CleanupCandidate {
   Classification classification = Classification::review;
   /// Which thing was measured; the move acts on no other. Absent where it could not be read.
   std::optional<FileIdentity> identity;
+
+  bool operator==(const CleanupCandidate&) const = default;
 };
 
 /// The text shown, which is the JSON value as well: "Known cleanup target", "Look first", "Do not touch automatically".

@@ -87,7 +87,8 @@ std::vector<std::string> CleanupHistory::putBack(const CleanupTransaction& asked
     }
   }
   if (!restored.empty()) {
-    if (!recordRestored(asked.id, restored)) {
+    isSaved_ = recordRestored(asked.id, restored);
+    if (!isSaved_) {
       journal.keepForRecovery();
     }
     trash_.writeSizes();

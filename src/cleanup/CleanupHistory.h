@@ -22,6 +22,8 @@ class CleanupHistory {
   void load(const std::vector<CleanupTransaction>& known = {});
 
   const std::vector<CleanupTransaction>& cleanupTransactions() const { return transactions_; }
+  /// Whether the log on the disk tells what was put back last, and that is the list above.
+  bool isSaved() const { return isSaved_; }
 
   /// Puts one item back where it stood. No value on success, otherwise the sentence for the person; then nothing has
   /// changed.
@@ -39,6 +41,7 @@ class CleanupHistory {
   ScanStore& store_;
   Trash& trash_;
   std::vector<CleanupTransaction> transactions_;
+  bool isSaved_ = false;
 };
 
 }  // namespace lumenary

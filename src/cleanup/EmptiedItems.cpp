@@ -15,6 +15,7 @@ using Outcome = Item::Outcome;
 
 constexpr std::string_view drivesFolder = "/Volumes/";
 constexpr std::string_view driveTrash = "/.Trash";
+constexpr std::string_view itemsFolder = "/files/";
 
 bool isGone(const FileReader& reader, const std::string& path) {
   const auto standing = reader.attributes(path, LinkPolicy::refuse);
@@ -27,8 +28,13 @@ std::string_view driveOf(std::string_view trashPath) {
     const std::size_t end = trashPath.find('/', drivesFolder.size());
     return trashPath.substr(0, end);
   }
-  const std::size_t trash = trashPath.find(driveTrash);
-  return trash == std::string_view::npos ? std::string_view() : trashPath.substr(0, trash);
+  // The Trash of a drive is "/.Trash-1000" or "/.Trash/1000" in its top folder; the name of an item may look so too.
+  const std::string_view folder = trashPath.substr(0, trashPath.rfind(itemsFolder));
+  const std::size_t trash = folder.rfind(driveTrash);
+  const std::string_view rest = trash == std::string_view::npos ? "" : folder.substr(trash + driveTrash.size());
+  const bool isDrive = rest.size() > 1 && (rest.front() == '-' || rest.front() == '/') &&
+                       rest.find_first_not_of("0123456789", 1) == std::string_view::npos;
+  return isDrive ? trashPath.substr(0, trash) : std::string_view();
 }
 
 class Drives {
@@ -63,7 +69,11 @@ bool recordEmptied(std::vector<CleanupTransaction>& transactions, const FileRead
           drives.isAway(item.trashURL->path)) {
         continue;
       }
-      const bool isBack = !isGone(reader, item.originalURL.path);
+      const auto original = reader.attributes(item.originalURL.path, LinkPolicy::refuse);
+      if (!original && !original.error().isMissing()) {
+        continue;
+      }
+      const bool isBack = original.has_value();
       item.outcome = isBack ? Outcome::restored : Outcome::emptied;
       item.message = isBack ? "Put back from Trash" : "Trash emptied";
       hasChanged = true;

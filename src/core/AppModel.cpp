@@ -14,6 +14,8 @@ namespace {
 
 /// The log is written as a whole, in a few steps.
 constexpr std::chrono::milliseconds logSettlingTime{250};
+/// Containers and packages mount and unmount in bursts.
+constexpr std::chrono::milliseconds mountSettlingTime{250};
 
 }  // namespace
 
@@ -50,6 +52,9 @@ AppModel::~AppModel() {
   if (isWatchingMounts_) {
     owner().stopWatching(platform_.mountWatcher->events());
   }
+  if (mountTimer_) {
+    owner().cancelTimer(*mountTimer_);
+  }
 }
 
 Task<> AppModel::runElsewhere(std::function<bool()> work, std::function<void(bool)> done) {
@@ -83,10 +88,11 @@ Task<> AppModel::startUp(std::optional<Job<Scan>> earlyScan) {
   refreshDiskForecast(std::nullopt);
   tidyLog.set(
       co_await scheduler_.start(Lane::store, [engine](const std::stop_token&) { return engine->store.loadTidyLog(); }));
-  publishLog(co_await scheduler_.start(Lane::acts, [engine](const std::stop_token&) {
+  auto log = co_await scheduler_.start(Lane::acts, [engine](const std::stop_token&) {
     recoverInterruptedActs(*engine->platform.files, engine->store, *engine->platform.trash);
     return engine->store.loadCleanupTransactions();
-  }));
+  });
+  publishLog(std::move(log), LogState::read);
   const Job<Scan> stored = earlyScan ? *std::move(earlyScan) : loadScan(macVolumeRoot.path);
   const Scan scan = co_await stored;
   if (!scan || scan->root.path != macVolumeRoot.path || !scan->folderByteTotals || *selectedDrive != macVolumeRoot ||
@@ -117,10 +123,11 @@ void AppModel::observeMachine() {
   if (platform_.mountWatcher->events()) {
     isWatchingMounts_ = true;
     owner().watch(platform_.mountWatcher->events(), [this] {
-      if (platform_.mountWatcher->read()) {
-        drivesChanged();
-        refreshTrashSize();
-        monitoring_.restart();
+      if (platform_.mountWatcher->read() && !mountTimer_) {
+        mountTimer_ = owner().callAfter(mountSettlingTime, [this] {
+          mountTimer_.reset();
+          run(drivesChanged());
+        });
       }
     });
   }

@@ -48,8 +48,8 @@
 namespace lumenary {
 
 /// The application's mind: all that the screens show, and every flow from a scan to an undo. It is the only writer of
-/// its fields. It belongs to one thread, which never waits for the disk; what blocks runs as jobs on values, and
-/// publishes only what is still asked for when it ends.
+/// its fields. It belongs to one thread, which waits for nothing but a look at how full a volume is; what blocks runs
+/// as jobs on values, and publishes only what is still asked for when it ends.
 ///
 /// A `Task` is a flow: whoever calls it awaits it, or gives it to `run`. The files AppModel….cpp hold a chapter each.
 class AppModel {
@@ -65,7 +65,8 @@ class AppModel {
 
   static const FileURL macVolumeRoot;  ///< "/", the startup disk
 
-  /// All must outlive the model. With services, what was stored is read and shown; a disk scan never starts by itself.
+  /// All must outlive the model; the platform and the store the workers' threads as well, as jobs go on to their end.
+  /// With services, what was stored is read and shown; a disk scan never starts by itself.
   AppModel(Platform& platform, ScanStore& store, Scheduler& scheduler, Services services);
   ~AppModel();
   AppModel(const AppModel&) = delete;
@@ -134,7 +135,6 @@ class AppModel {
   /// Derives the wardrobe, and with it the closet, from the scan, unless they are there.
   Task<> prepareStorageModels(bool includeCloset);
   void applicationBecameActive();
-  void machineWokeUp() { monitoring_.restart(); }
   MonitoringCoordinator& monitoringCoordinator() { return monitoring_; }
 
   // What can go.
@@ -205,7 +205,11 @@ class AppModel {
   std::function<bool(const std::string& line)> notchFlash = [](const std::string&) { return false; };
 
  private:
-  using Records = std::vector<CleanupTransaction>;  ///< of the acts of one press
+  /// Of the acts of one press.
+  struct Records {
+    std::vector<CleanupTransaction> acts{};
+    bool isOnePress = false;  ///< the undo is offered for all of them together
+  };
   struct TidyRequest {
     bool automatic = false;
     bool safeOnly = false;
@@ -234,8 +238,8 @@ class AppModel {
   void setStorageResult(Scan scan);
   Job<bool> saveScan(Scan scan);
   std::optional<VolumeSnapshot> capture(const FileURL& url) const { return engine_->volumeMetrics.capture(url.path); }
-  void refreshVolumeSnapshot() { volumeSnapshot.set(capture(*selectedDrive)); }
-  void drivesChanged();
+  void refreshVolumeSnapshot() { volumeSnapshot.setIfChanged(capture(*selectedDrive)); }
+  Task<> drivesChanged();
   void recordDiskSample();
   Task<> writeDiskSample(DiskSample sample);
   void refreshDiskForecast(std::optional<VolumeSnapshot> volume);
@@ -272,12 +276,24 @@ class AppModel {
   Task<std::vector<CleanupOutcome>> moveAppItems(std::vector<FileEntry> entries, Records& records);
   Task<std::optional<TidyReceipt>> tidy(TidyRequest request, Records& records);
   Task<TidyPlan> planToRun(const TidyRequest& request);
+  static std::vector<std::string> titlesOf(const TidyPlan& plan);
+  Task<> findBusyTitles(std::vector<std::string> titles);
   Task<> patchScan(std::vector<RemovedItem> removed);
   Task<> merge(Records& records);
   Task<> considerAutoTidy();
-  bool isAutoTidyDue(Date date) const;
-  void offerUndo(const Records& records);
-  void publishLog(std::vector<CleanupTransaction> log);
+  struct AutoTidySettings {
+    AutoTidy wanted = AutoTidy::off;
+    std::optional<Date> last{};
+  };
+  bool isAutoTidyDue(const AutoTidySettings& settings, Date date) const;
+  void offerUndo(const Records& records, UndoManager::Cause cause = UndoManager::Cause::act);
+  enum class LogState : std::uint8_t {
+    unsaved,  ///< may lack records; what it changed outranks the disk until that holds it
+    written,  ///< as an act has just written it
+    read,     ///< as it was found
+  };
+  static LogState written(bool isSaved) { return isSaved ? LogState::written : LogState::unsaved; }
+  void publishLog(std::vector<CleanupTransaction> log, LogState state);
   void publishDone(CleanupActs::Done done, Records& records);
   Task<> reloadLog();
   Task<> undoAndTell(UUID transactionID);
@@ -303,18 +319,24 @@ class AppModel {
   std::optional<Job<bool>> savedPatch_;  ///< the last that was started
   std::optional<Job<bool>> settingWritten_;
   std::size_t lastUsedMeasurements_ = 0;
+  /// Of several that run at once the one that was asked for last is shown.
+  std::uint64_t trashRequest_ = 0;
+  std::uint64_t backgroundRequest_ = 0;
+  std::uint64_t projectsRequest_ = 0;
+  std::set<std::string> movedDuringInventory_;
   std::vector<FileEntry> junk_;
   std::vector<DiskSample> diskSamples_;
   bool isRecordingSample_ = false;
   Date lastAutoTidyConsideration_ = Date::min();
   Date lastPortSample_ = Date::min();
 
-  std::vector<CleanupTransaction> unsavedTransactions_;  ///< that couldn't be written to the log
+  std::vector<CleanupTransaction> unsavedTransactions_;  ///< as they couldn't be written to the log
   std::map<UUID, CleanupActs::PutBack> putBack_;         ///< of transactions that were undone
   UndoManager undoManager_;
 
   std::unique_ptr<FolderChanges> logChanges_;
   std::unique_ptr<FolderChanges> appChanges_;
+  std::optional<Executor::TimerID> mountTimer_;
   bool isWatchingMounts_ = false;
   MonitoringCoordinator monitoring_;
   std::shared_ptr<bool> lifetime_ = std::make_shared<bool>(true);  ///< what a call posted by a job looks at

@@ -14,6 +14,7 @@ Task<> AppModel::refreshApps() {
     co_return;
   }
   isLoadingApps.set(true);
+  movedDuringInventory_.clear();
   appsTask_ = scheduler_.start(Lane::background,
                                [engine = engine_, scan = *storageResult, includesContainers = *hasFullDiskAccess,
                                 date = now()](const std::stop_token& stop) {
@@ -27,7 +28,9 @@ Task<> AppModel::refreshApps() {
                                  return engine->apps->inventory(std::move(request), stop);
                                });
   const Job<AppInventory> task = *appsTask_;
-  appInventory.set(co_await task);
+  AppInventory inventory = co_await task;
+  inventory.removeItems(movedDuringInventory_);
+  appInventory.set(std::move(inventory));
   appsTask_.reset();
   isLoadingApps.set(false);
 }
@@ -39,18 +42,21 @@ Task<> AppModel::refreshBackgroundItems() {
       names.emplace(app.bundleID, app.name);
     }
   }
-  backgroundItems.setIfChanged(
+  const std::uint64_t request = ++backgroundRequest_;
+  auto items =
       co_await scheduler_.start(Lane::utility, [engine = engine_, names = std::move(names)](const std::stop_token&) {
         return engine->apps->backgroundItems(names);
-      }));
+      });
+  if (request == backgroundRequest_) {
+    backgroundItems.setIfChanged(std::move(items));
+  }
 }
 
 Task<> AppModel::setBackgroundItem(BackgroundItem item, bool enabled) {
-  co_await scheduler_.start(Lane::interactive,
-                            [engine = engine_, item = std::move(item), enabled](const std::stop_token&) {
-                              engine->apps->setEnabled(item, enabled);
-                              return true;
-                            });
+  co_await scheduler_.start(Lane::acts, [engine = engine_, item = std::move(item), enabled](const std::stop_token&) {
+    engine->apps->setEnabled(item, enabled);
+    return true;
+  });
   co_await refreshBackgroundItems();
 }
 
@@ -92,7 +98,7 @@ Task<> AppModel::checkRemovedApps() {
 
 Task<> AppModel::appsWereRemoved(std::vector<RemovedApp> removed) {
   // An inventory that is being made may have seen them still.
-  if (appsTask_) {
+  while (appsTask_) {
     const Job<AppInventory> former = *appsTask_;
     co_await former;
   }

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "base/Path.h"
@@ -54,12 +55,17 @@ FileEntry entryOf(const AppDataItem& item) {
 
 }  // namespace
 
+std::vector<std::string> AppModel::titlesOf(const TidyPlan& plan) {
+  std::vector<std::string> titles;
+  std::ranges::transform(plan.groups(), std::back_inserter(titles), &TidyPlan::Group::title);
+  return titles;
+}
+
 // One act
 
 Task<> AppModel::clean(std::vector<CleanupCandidate> candidates) {
   Records records;
   co_await cleanCandidates(std::move(candidates), records);
-  offerUndo(records);
 }
 
 Task<> AppModel::cleanCandidates(std::vector<CleanupCandidate> candidates, Records& records) {
@@ -69,18 +75,18 @@ Task<> AppModel::cleanCandidates(std::vector<CleanupCandidate> candidates, Recor
   cleanupOutcomes.set(done.outcomes);
   const std::set<std::string> gone = movedPaths(done.outcomes);
   publishDone(std::move(done), records);
-  cleanupCandidates.change([&](auto& list) {
-    std::erase_if(list, [&](const CleanupCandidate& candidate) { return gone.contains(candidate.url.path); });
-  });
+  if (!gone.empty()) {
+    cleanupCandidates.change([&](auto& list) {
+      std::erase_if(list, [&](const CleanupCandidate& candidate) { return gone.contains(candidate.url.path); });
+    });
+  }
   monitoring_.restart();
 }
 
 Task<std::vector<CleanupOutcome>> AppModel::removeStorageEntries(std::vector<FileEntry> entries,
                                                                  CleanupTransaction::Source source) {
   Records records;
-  auto outcomes = co_await removeItems(movesOf(std::move(entries)), source, records);
-  offerUndo(records);
-  co_return outcomes;
+  co_return co_await removeItems(movesOf(std::move(entries)), source, records);
 }
 
 Task<std::vector<CleanupOutcome>> AppModel::removeItems(std::vector<StorageMove> moves,
@@ -93,6 +99,11 @@ Task<std::vector<CleanupOutcome>> AppModel::removeItems(std::vector<StorageMove>
   storageTrashOutcomes.set(outcomes);
   publishDone(std::move(done), records);
   if (auto removed = removedItems(moves, outcomes); !removed.empty()) {
+    if (*storageResult) {
+      std::erase_if(removed, [root = (*storageResult)->root.path](const RemovedItem& item) {
+        return !isSameOrInside(item.path, root);
+      });
+    }
     co_await patchScan(std::move(removed));
   }
   monitoring_.restart();
@@ -102,7 +113,7 @@ Task<std::vector<CleanupOutcome>> AppModel::removeItems(std::vector<StorageMove>
 /// Lets the numbers fall without a scan. A scan that came meanwhile tells by itself what is there.
 Task<> AppModel::patchScan(std::vector<RemovedItem> removed) {
   const Scan first = *storageResult;
-  while (const Scan scan = *storageResult) {
+  while (const Scan scan = removed.empty() ? nullptr : *storageResult) {
     if (scan->scannedAt != first->scannedAt || scan->root != first->root) {
       co_return;
     }
@@ -122,25 +133,15 @@ Task<> AppModel::patchScan(std::vector<RemovedItem> removed) {
 
 Task<std::vector<CleanupOutcome>> AppModel::moveAppItemsToTrash(std::vector<FileEntry> entries) {
   Records records;
-  auto outcomes = co_await moveAppItems(std::move(entries), records);
-  offerUndo(records);
-  co_return outcomes;
+  co_return co_await moveAppItems(std::move(entries), records);
 }
 
 Task<std::vector<CleanupOutcome>> AppModel::moveAppItems(std::vector<FileEntry> entries, Records& records) {
   auto outcomes = co_await removeItems(movesOf(std::move(entries)), CleanupTransaction::Source::apps, records);
   const std::set<std::string> gone = movedPaths(outcomes);
+  movedDuringInventory_.insert(gone.begin(), gone.end());
   if (*appInventory && !gone.empty()) {
-    const auto isGone = [&](const AppDataItem& item) { return gone.contains(item.url.path); };
-    appInventory.change([&](std::optional<AppInventory>& inventory) {
-      for (InstalledApp& app : inventory->apps) {
-        std::erase_if(app.items, isGone);
-      }
-      for (LeftoverGroup& group : inventory->leftovers) {
-        std::erase_if(group.items, isGone);
-      }
-      std::erase_if(inventory->leftovers, [](const LeftoverGroup& group) { return group.items.empty(); });
-    });
+    appInventory.change([&](std::optional<AppInventory>& inventory) { inventory->removeItems(gone); });
   }
   co_return outcomes;
 }
@@ -149,7 +150,7 @@ Task<std::vector<CleanupOutcome>> AppModel::moveAppItems(std::vector<FileEntry> 
 
 Task<std::size_t> AppModel::clear(bool includingTidy, CleanSelection::Titles skipping,
                                   std::vector<LeftoverGroup> leftovers, std::vector<CleanupCandidate> candidates) {
-  Records records;
+  Records records{.isOnePress = true};
   if (includingTidy) {
     co_await tidy({.skipping = std::move(skipping)}, records);
   }
@@ -164,27 +165,30 @@ Task<std::size_t> AppModel::clear(bool includingTidy, CleanSelection::Titles ski
     co_await cleanCandidates(std::move(candidates), records);
   }
   std::size_t failed = 0;
-  for (const CleanupTransaction& record : records) {
+  for (const CleanupTransaction& record : records.acts) {
     failed += static_cast<std::size_t>(std::ranges::count(record.items, CleanupTransaction::Item::Outcome::failed,
                                                           &CleanupTransaction::Item::outcome));
   }
-  if (records.size() > 1) {
+  if (records.acts.size() > 1) {
     co_await merge(records);
   }
   offerUndo(records);
   co_return failed;
 }
 
-/// Makes one transaction of several, so that one undo puts everything back.
+/// Makes one transaction of several. Where that can't be written they stay apart, and one undo still takes all back.
 Task<> AppModel::merge(Records& records) {
   std::vector<UUID> ids;
-  std::ranges::transform(records, std::back_inserter(ids), &CleanupTransaction::id);
+  std::ranges::transform(records.acts, std::back_inserter(ids), &CleanupTransaction::id);
   auto merged = co_await scheduler_.start(
       Lane::acts, [engine = engine_, ids](const std::stop_token&) { return engine->acts.merge(ids); });
-  if (merged.transaction) {
-    records = {*std::move(merged.transaction)};
+  if (!merged.transaction) {
+    co_return;
   }
-  publishLog(std::move(merged.log));
+  std::erase_if(unsavedTransactions_,
+                [&](const CleanupTransaction& unsaved) { return std::ranges::find(ids, unsaved.id) != ids.end(); });
+  records.acts = {*std::move(merged.transaction)};
+  publishLog(std::move(merged.log), LogState::written);
 }
 
 CleanSelection AppModel::suggestedClear() const {
@@ -215,10 +219,12 @@ Task<std::size_t> AppModel::clearSuggested(CleanSelection::Titles excluding) {
 }
 
 Task<> AppModel::refreshBusyTools() {
-  std::vector<std::string> titles;
-  if (const auto& plan = *tidyPlan) {
-    std::ranges::transform(plan->groups(), std::back_inserter(titles), &TidyPlan::Group::title);
-  }
+  const auto& plan = *tidyPlan;
+  co_await findBusyTitles(plan ? titlesOf(*plan) : std::vector<std::string>());
+}
+
+/// `titles` are those that may be called after a program.
+Task<> AppModel::findBusyTitles(std::vector<std::string> titles) {
   busyTidyTitles.setIfChanged(co_await scheduler_.start(
       Lane::utility, [engine = engine_, titles = std::move(titles), date = now()](const std::stop_token&) {
         const std::string running = engine->processInspector.commandLines(date);

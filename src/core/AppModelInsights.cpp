@@ -18,6 +18,12 @@ TidyPlan standing(TidyPlan plan, const FileReader& reader) {
   return std::erase_if(plan.items, isGone) == 0 ? plan : TidyPlan(std::move(plan.items));
 }
 
+/// Each look gives fresh ids.
+bool isSameProject(const DeveloperProject& one, const DeveloperProject& other) {
+  return one.root == other.root && one.runtime == other.runtime && one.artifactBytes == other.artifactBytes &&
+         one.artifactURLs == other.artifactURLs;
+}
+
 }  // namespace
 
 TidyPlan AppModel::planOf(const AppEngine& engine, const StorageTrashGate& gate, const StorageScanResult& scan,
@@ -41,6 +47,9 @@ Job<AppModel::Insights> AppModel::startInsights(Scan scan) {
     const Platform& platform = engine->platform;
     // Duplicates take long; the rest of the answer needn't wait for them.
     publishBase(standing(planOf(*engine, *gate, *scan, {}, {}, true), *platform.reader));
+    if (stop.stop_requested()) {
+      return Insights();
+    }
     const DuplicateFinder finder(*platform.reader, *platform.contents, *platform.files, *gate, engine->places,
                                  platform.probe);
     Insights insights{.duplicates = finder.find(scan->entries, stop), .junk = {}, .plan = {}};
@@ -82,7 +91,7 @@ void AppModel::publishBaseInsights(TidyPlan plan, std::uint64_t revision) {
 void AppModel::publishPlannedCandidates() {
   if (projects->empty()) {
     const auto& plan = *tidyPlan;
-    cleanupCandidates.set(buildCandidates(plan ? &*plan : nullptr, *cleanupCandidates));
+    cleanupCandidates.setIfChanged(buildCandidates(plan ? &*plan : nullptr, *cleanupCandidates));
   }
 }
 
@@ -111,18 +120,21 @@ void AppModel::scanDeveloperProjects(const FileURL& url) {
 
 Task<> AppModel::findProjects(FileURL url) {
   const auto engine = engine_;
+  const std::uint64_t request = ++projectsRequest_;
   auto found = co_await scheduler_.start(Lane::utility, [engine, url](const std::stop_token& stop) {
     return DeveloperScanner(*engine->platform.reader, *engine->platform.mountTable).scan(url.path, stop);
   });
-  if (*developerRoot != url) {
+  if (request != projectsRequest_) {
     co_return;
   }
-  projects.set(found);
+  if (!std::ranges::equal(*projects, found, isSameProject)) {
+    projects.set(found);
+  }
   auto candidates =
       co_await scheduler_.start(Lane::utility, [engine, found = std::move(found)](const std::stop_token& stop) {
         return DeveloperScanner(*engine->platform.reader, *engine->platform.mountTable).cleanupCandidates(found, stop);
       });
-  if (*developerRoot == url) {
+  if (request == projectsRequest_) {
     cleanupCandidates.set(std::move(candidates));
   }
 }
@@ -178,18 +190,21 @@ Task<> AppModel::remeasureCleanupCandidates(std::optional<std::set<std::string>>
       merged.push_back(candidate);
     }
   }
-  cleanupCandidates.set(std::move(merged));
+  cleanupCandidates.setIfChanged(std::move(merged));
 }
 
 void AppModel::refreshTrashSize() { run(measureTrash()); }
 
 Task<> AppModel::measureTrash() {
+  const std::uint64_t request = ++trashRequest_;
   const auto bytes = co_await scheduler_.start(
       Lane::utility, [engine = engine_](const std::stop_token&) -> std::optional<std::int64_t> {
         const auto folders = engine->platform.trashBin->itemFolders();
         return folders ? totalTrashSize(*engine->platform.reader, *folders) : std::nullopt;
       });
-  trashBytes.setIfChanged(bytes);
+  if (request == trashRequest_) {
+    trashBytes.setIfChanged(bytes);
+  }
 }
 
 }  // namespace lumenary

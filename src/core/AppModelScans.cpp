@@ -30,7 +30,7 @@ void AppModel::scanStorage(const FileURL& url) {
   isScanning.setIfChanged(true);
   scanError.setIfChanged(std::nullopt);
   scanProgress.set(ScanProgress{.itemCount = 0, .currentPath = url.path, .measuredBytes = 0, .categoryByteTotals = {}});
-  volumeSnapshot.set(capture(url));
+  volumeSnapshot.setIfChanged(capture(url));
   run(scan(url, request, scanStop_));
 }
 
@@ -65,12 +65,15 @@ Task<> AppModel::scan(FileURL url, UUID request, std::stop_source stop) {
     co_return;
   }
   setStorageResult(*result);
+  if (!isCurrent()) {
+    co_return;
+  }
   isScanning.setIfChanged(false);
   co_await saveScan(*result);
   if (!isCurrent()) {
     co_return;
   }
-  volumeSnapshot.set(capture(url));
+  volumeSnapshot.setIfChanged(capture(url));
   if (url.path == macVolumeRoot.path) {
     co_await recordScan(*result);
   }
@@ -113,13 +116,20 @@ void AppModel::setStorageResult(Scan scan) {
   wardrobeTask_.reset();
   closetTask_.reset();
   insightsTask_.reset();
-  wardrobeSnapshot.setIfChanged(nullptr);
-  closetModel.setIfChanged(nullptr);
+  // All of it is as it should be before anybody is told.
+  const bool hadModels = *wardrobeSnapshot || *closetModel;
+  wardrobeSnapshot.assign(nullptr);
+  closetModel.assign(nullptr);
+  storageResult.assign(scan);
   if (scan) {
     warming_ = scheduler_.start(Lane::utility,
                                 [scan](const std::stop_token&) { return !scan->children(scan->root.path).empty(); });
   }
-  storageResult.set(std::move(scan));
+  if (hadModels) {
+    wardrobeSnapshot.tell();
+    closetModel.tell();
+  }
+  storageResult.tell();
 }
 
 Task<> AppModel::prepareStorageModels(bool includeCloset) {
@@ -159,15 +169,28 @@ Task<> AppModel::prepareStorageModels(bool includeCloset) {
   }
 }
 
-void AppModel::drivesChanged() {
-  gate_ = engine_->makeGate();
-  drives.setIfChanged(engine_->volumeMetrics.mountedDrives());
+/// Nothing follows from a mount that is no drive. A mount table that can't be read says nothing.
+Task<> AppModel::drivesChanged() {
+  struct Found {
+    std::vector<DriveInfo> drives;
+    std::shared_ptr<const StorageTrashGate> gate;
+  };
+  Found found = co_await scheduler_.start(Lane::watch, [engine = engine_](const std::stop_token&) {
+    return Found{.drives = engine->volumeMetrics.mountedDrives(), .gate = engine->makeGate()};
+  });
+  gate_ = std::move(found.gate);
+  if (found.drives.empty() || found.drives == *drives) {
+    co_return;
+  }
+  drives.set(std::move(found.drives));
   const auto isSelected = [&](const DriveInfo& drive) { return drive.url.path == selectedDrive->path; };
   if (std::ranges::any_of(*drives, isSelected)) {
     refreshVolumeSnapshot();
   } else {
     selectDrive(macVolumeRoot);
   }
+  refreshTrashSize();
+  monitoring_.restart();
 }
 
 void AppModel::selectDrive(const FileURL& url) {
@@ -177,9 +200,10 @@ void AppModel::selectDrive(const FileURL& url) {
   const UUID request = newScanRequest();
   isScanning.setIfChanged(false);
   selectedDrive.setIfChanged(url);
-  volumeSnapshot.set(capture(url));
+  volumeSnapshot.setIfChanged(capture(url));
   setStorageResult(nullptr);
   duplicates.setIfChanged({});
+  junk_.clear();
   tidyPlan.setIfChanged(std::nullopt);
   run(loadDrive(url, request));
 }

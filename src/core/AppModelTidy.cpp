@@ -52,10 +52,7 @@ std::optional<TidyPlan> AppModel::safeTidyPlan() const {
 
 Task<std::optional<TidyReceipt>> AppModel::runTidy(bool automatic, bool safeOnly, CleanSelection::Titles skipping) {
   Records records;
-  auto receipt =
-      co_await tidy({.automatic = automatic, .safeOnly = safeOnly, .skipping = std::move(skipping)}, records);
-  offerUndo(records);
-  co_return receipt;
+  co_return co_await tidy({.automatic = automatic, .safeOnly = safeOnly, .skipping = std::move(skipping)}, records);
 }
 
 Task<std::optional<TidyReceipt>> AppModel::tidy(TidyRequest request, Records& records) {
@@ -64,8 +61,10 @@ Task<std::optional<TidyReceipt>> AppModel::tidy(TidyRequest request, Records& re
   }
   isTidying.set(true);
   std::optional<TidyReceipt> receipt;
+  const std::uint64_t revision = storageRevision_;
   const TidyPlan plan = co_await planToRun(request);
-  if (!plan.items.empty()) {
+  // Another scan, of another drive perhaps, isn't what was asked for.
+  if (revision == storageRevision_ && !plan.items.empty()) {
     const auto outcomes = co_await removeItems(movesOf(plan), CleanupTransaction::Source::tidy, records);
     const TidyPlan moved = movedPlan(plan, outcomes);
     if (!moved.items.empty()) {
@@ -87,9 +86,6 @@ Task<std::optional<TidyReceipt>> AppModel::tidy(TidyRequest request, Records& re
 
 /// Made afresh where it runs by itself, and where there is none yet.
 Task<TidyPlan> AppModel::planToRun(const TidyRequest& request) {
-  if (request.automatic) {
-    co_await refreshBusyTools();
-  }
   const auto& shown = *tidyPlan;
   TidyPlan plan;
   if (!request.automatic && shown) {
@@ -100,6 +96,9 @@ Task<TidyPlan> AppModel::planToRun(const TidyRequest& request) {
         [engine = engine_, gate = gate_, scan, copies = *duplicates, junk = junk_, withBuildFiles = !request.automatic](
             const std::stop_token&) { return planOf(*engine, *gate, *scan, copies, junk, withBuildFiles); });
   }
+  if (request.automatic) {
+    co_await findBusyTitles(titlesOf(plan));
+  }
   std::erase_if(plan.items, [&](const TidyItem& item) {
     return item.kind == TidyItem::Kind::buildFiles || (request.safeOnly && item.kind == TidyItem::Kind::installer) ||
            request.skipping.contains(item.title) || (request.automatic && busyTidyTitles->contains(item.title));
@@ -107,16 +106,14 @@ Task<TidyPlan> AppModel::planToRun(const TidyRequest& request) {
   co_return TidyPlan(std::move(plan.items));
 }
 
-bool AppModel::isAutoTidyDue(Date date) const {
-  const auto setting = [&](const char* key) { return platform_.defaults->string(key).value_or(std::nullopt); };
-  const AutoTidy wanted = autoTidyOf(setting(settingsKey::autoTidy).value_or(""));
-  if (wanted == AutoTidy::off || selectedDrive->path != macVolumeRoot.path || *isScanning || *isTidying) {
+bool AppModel::isAutoTidyDue(const AutoTidySettings& settings, Date date) const {
+  if (settings.wanted == AutoTidy::off || selectedDrive->path != macVolumeRoot.path || *isScanning || *isTidying) {
     return false;
   }
-  const auto last = parseISO8601(setting(settingsKey::lastAutoTidy).value_or(""));
   // A date ahead is of a clock that was wrong.
+  const auto& last = settings.last;
   const auto hasPassed = [&](std::chrono::seconds time) { return !last || *last > date || date - *last > time; };
-  if (wanted == AutoTidy::weekly) {
+  if (settings.wanted == AutoTidy::weekly) {
     return hasPassed(week);
   }
   const auto& volume = *volumeSnapshot;
@@ -126,7 +123,14 @@ bool AppModel::isAutoTidyDue(Date date) const {
 }
 
 Task<> AppModel::considerAutoTidy() {
-  if (!isAutoTidyDue(now())) {
+  const auto settings = co_await scheduler_.start(Lane::utility, [engine = engine_](const std::stop_token&) {
+    const auto setting = [&](const char* key) {
+      return engine->platform.defaults->string(key).value_or(std::nullopt).value_or("");
+    };
+    return AutoTidySettings{.wanted = autoTidyOf(setting(settingsKey::autoTidy)),
+                            .last = parseISO8601(setting(settingsKey::lastAutoTidy))};
+  });
+  if (!isAutoTidyDue(settings, now())) {
     co_return;
   }
   // The next consideration finds the fresh scan.

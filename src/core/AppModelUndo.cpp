@@ -15,14 +15,32 @@ bool isUndoable(const Item& item) { return item.outcome == Item::Outcome::movedT
 
 }  // namespace
 
-/// What the disk could not take stays on the list until it can.
-void AppModel::publishLog(std::vector<CleanupTransaction> log) {
-  for (CleanupTransaction& unsaved : unsavedTransactions_) {
-    if (const auto listed = std::ranges::find(log, unsaved.id, &CleanupTransaction::id); listed != log.end()) {
-      unsaved = *listed;
+void AppModel::publishLog(std::vector<CleanupTransaction> log, LogState state) {
+  const auto put = [](std::vector<CleanupTransaction>& list, const CleanupTransaction& transaction) {
+    const auto listed = std::ranges::find(list, transaction.id, &CleanupTransaction::id);
+    if (listed == list.end()) {
+      list.push_back(transaction);
     } else {
-      log.push_back(unsaved);
+      *listed = transaction;
     }
+  };
+  if (state == LogState::unsaved) {
+    std::vector<CleanupTransaction> shown = *cleanupTransactions;
+    for (const CleanupTransaction& transaction : log) {
+      if (std::ranges::find(shown, transaction) == shown.end()) {
+        put(shown, transaction);
+        put(unsavedTransactions_, transaction);
+      }
+    }
+    cleanupTransactions.setIfChanged(std::move(shown));
+    return;
+  }
+  std::erase_if(unsavedTransactions_, [&](const CleanupTransaction& unsaved) {
+    const auto found = std::ranges::find(log, unsaved.id, &CleanupTransaction::id);
+    return found != log.end() && (state == LogState::written || *found == unsaved);
+  });
+  for (const CleanupTransaction& unsaved : unsavedTransactions_) {
+    put(log, unsaved);
   }
   cleanupTransactions.setIfChanged(std::move(log));
 }
@@ -31,29 +49,46 @@ void AppModel::publishDone(CleanupActs::Done done, Records& records) {
   if (!done.transaction) {
     return;
   }
-  publishLog(std::move(done.log));
-  if (!done.isSaved) {
-    unsavedTransactions_.push_back(*done.transaction);
+  publishLog(std::move(done.log), written(done.isSaved));
+  records.acts.push_back(*std::move(done.transaction));
+  if (!records.isOnePress) {
+    offerUndo(records);
   }
-  records.push_back(*std::move(done.transaction));
 }
 
-void AppModel::offerUndo(const Records& records) {
-  if (records.size() != 1) {
+/// Of several acts the last one gives its id to the offer; its undo takes all of them back.
+void AppModel::offerUndo(const Records& records, UndoManager::Cause cause) {
+  std::vector<UUID> ids;
+  UndoableTrash offer;
+  for (const CleanupTransaction& transaction : records.acts) {
+    for (const Item& item : transaction.items) {
+      if (isUndoable(item)) {
+        ++offer.count;
+        offer.bytes = saturatedSum(offer.bytes, item.measuredBytes);
+        offer.transactionID = transaction.id;
+      }
+    }
+    ids.push_back(transaction.id);
+  }
+  if (offer.count == 0) {
     return;
   }
-  const CleanupTransaction& transaction = records.front();
-  const auto count = static_cast<std::size_t>(std::ranges::count_if(transaction.items, isUndoable));
-  if (count == 0) {
-    return;
-  }
-  const UUID id = transaction.id;
-  lastTrash.set(UndoableTrash{.transactionID = id, .count = count, .bytes = transaction.movedBytes()});
-  const std::string name = count == 1 ? "Move to Trash" : "Move " + std::to_string(count) + " Items to Trash";
-  undoManager_.registerUndo(name, [this, id, name] {
-    undoManager_.registerUndo(name, [this, id] { run(redoTrash(id)); });
-    run(undoAndTell(id));
-  });
+  lastTrash.set(offer);
+  const std::string name =
+      offer.count == 1 ? "Move to Trash" : "Move " + std::to_string(offer.count) + " Items to Trash";
+  undoManager_.registerUndo(
+      name,
+      [this, ids, name] {
+        undoManager_.registerUndo(name, [this, ids] {
+          for (const UUID& id : ids) {
+            run(redoTrash(id));
+          }
+        });
+        for (const UUID& id : ids) {
+          run(undoAndTell(id));
+        }
+      },
+      cause);
 }
 
 Task<> AppModel::undoAndTell(UUID transactionID) {
@@ -67,8 +102,8 @@ Task<std::optional<std::string>> AppModel::undoTrash(UUID transactionID) {
       Lane::acts, [engine = engine_, transactionID, known = *cleanupTransactions](const std::stop_token&) {
         return engine->acts.undo(transactionID, known);
       });
-  publishLog(std::move(undone.log));
-  putBack_.insert_or_assign(transactionID, std::move(undone.putBack));
+  publishLog(std::move(undone.log), written(undone.isSaved));
+  putBack_[transactionID].merge(undone.putBack);
   if (const auto& offered = *lastTrash; offered && offered->transactionID == transactionID) {
     lastTrash.set(std::nullopt);
   }
@@ -81,7 +116,8 @@ Task<std::optional<std::string>> AppModel::restoreCleanupItem(UUID transactionID
       Lane::acts, [engine = engine_, transactionID, itemID, known = *cleanupTransactions](const std::stop_token&) {
         return engine->acts.restore(transactionID, itemID, known);
       });
-  publishLog(std::move(undone.log));
+  publishLog(std::move(undone.log), written(undone.isSaved));
+  putBack_[transactionID].merge(undone.putBack);
   monitoring_.restart();
   co_return undone.failure;
 }
@@ -91,9 +127,10 @@ Task<> AppModel::redoTrash(UUID transactionID) {
       Lane::acts, [engine = engine_, transactionID, putBack = putBack_[transactionID]](const std::stop_token&) {
         return engine->acts.redo(transactionID, putBack);
       });
-  Records records;
+  putBack_.erase(transactionID);
+  Records records{.isOnePress = true};
   publishDone(std::move(done), records);
-  offerUndo(records);
+  offerUndo(records, UndoManager::Cause::redo);
   monitoring_.restart();
 }
 
@@ -112,7 +149,7 @@ Task<TrashEmptyResult> AppModel::emptyTrash(EmptyingProgress progress, std::stop
         return engine->acts.empty(*engine->platform.trashBin, tell, token);
       },
       std::move(stop));
-  publishLog(std::move(emptied.log));
+  publishLog(std::move(emptied.log), written(emptied.isSaved));
   refreshVolumeSnapshot();
   refreshTrashSize();
   monitoring_.restart();
@@ -131,8 +168,11 @@ std::int64_t AppModel::confirmedReclaimedBytes() const {
 
 /// The command may have written a record, or another window.
 Task<> AppModel::reloadLog() {
-  publishLog(co_await scheduler_.start(
-      Lane::acts, [engine = engine_](const std::stop_token&) { return engine->store.loadCleanupTransactions(); }));
+  auto log = co_await scheduler_.start(
+      Lane::acts, [engine = engine_](const std::stop_token&) { return engine->store.readCleanupTransactions(); });
+  if (log) {
+    publishLog(*std::move(log), LogState::read);
+  }
 }
 
 }  // namespace lumenary

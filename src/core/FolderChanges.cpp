@@ -14,9 +14,13 @@ FolderChanges::~FolderChanges() {
 }
 
 void FolderChanges::watch(std::vector<std::string> folders) {
+  // The watcher may answer from another descriptor afterwards.
+  if (isWatching_) {
+    owner_.stopWatching(watcher_.events());
+  }
   watcher_.watch(std::move(folders));
-  if (!isWatching_ && watcher_.events()) {
-    isWatching_ = true;
+  isWatching_ = static_cast<bool>(watcher_.events());
+  if (isWatching_) {
     owner_.watch(watcher_.events(), [this] { onReadable(); });
   }
 }

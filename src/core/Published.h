@@ -33,9 +33,11 @@ class Published {
   friend Writer;
 
   void set(Value value) {
-    value_ = std::move(value);
+    assign(std::move(value));
     tell();
   }
+  /// Without a word: `tell` follows.
+  void assign(Value value) { value_ = std::move(value); }
   /// Observers aren't told of an equal value.
   void setIfChanged(Value value) {
     if (!(value_ == value)) {

@@ -4,13 +4,13 @@
 
 namespace lumenary {
 
-void UndoManager::registerUndo(std::string actionName, Act act) {
+void UndoManager::registerUndo(std::string actionName, Act act, Cause cause) {
   std::vector<Entry>& stack = state_ == State::undoing ? redo_ : undo_;
   stack.push_back({.name = std::move(actionName), .act = std::move(act)});
   if (stack.size() > limit) {
     stack.erase(stack.begin());
   }
-  if (state_ == State::idle) {
+  if (state_ == State::idle && cause == Cause::act) {
     redo_.clear();
   }
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -15,9 +17,13 @@ class UndoManager {
 
   static constexpr std::size_t limit = 100;
 
-  /// From within `undo` it becomes what `redo` does; otherwise it is what `undo` does, and nothing can be redone any
-  /// more unless a redo runs.
-  void registerUndo(std::string actionName, Act act);
+  enum class Cause : std::uint8_t {
+    act,   ///< something new: what was undone before can't be done again any more
+    redo,  ///< something that was done again
+  };
+
+  /// From within `undo` it becomes what `redo` does; otherwise it is what `undo` does.
+  void registerUndo(std::string actionName, Act act, Cause cause = Cause::act);
 
   void undo() { run(undo_, State::undoing); }
   void redo() { run(redo_, State::redoing); }

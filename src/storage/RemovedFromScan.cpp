@@ -44,7 +44,9 @@ FolderByteTotals withoutFolders(const FolderByteTotals& totals, const Paths& pat
 StorageScanResult withoutRemoved(const StorageScanResult& result, std::span<const RemovedItem> removed) {
   Paths paths;
   for (const RemovedItem& item : removed) {
-    paths.insert(item.path);
+    if (isSameOrInside(item.path, result.root.path)) {
+      paths.insert(item.path);
+    }
   }
   StorageScanResult left{.root = result.root,
                          .scannedAt = result.scannedAt,
@@ -65,7 +67,7 @@ StorageScanResult withoutRemoved(const StorageScanResult& result, std::span<cons
   }
   for (const RemovedItem& item : removed) {
     const bool isInAnother = item.path != "/" && isCovered(parentPath(item.path), paths);
-    if (isInAnother) {
+    if (isInAnother || !paths.contains(item.path)) {
       continue;
     }
     const std::int64_t* const known = left.folderByteTotals ? left.folderByteTotals->find(item.path) : nullptr;

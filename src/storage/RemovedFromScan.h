@@ -14,7 +14,8 @@ struct RemovedItem {
   std::int64_t byteCount = 0;  ///< of its entry; a folder's own total counts where the scan has one
 };
 
-/// The scan as if these had not been there, so that numbers fall without a scan of the disk. What was not measured
+/// The scan as if these had not been there, so that numbers fall without a scan of the disk; what lies outside of it
+/// doesn't count. What was not measured
 /// stays as it was, no sum falls below 0, and the tree is made anew.
 StorageScanResult withoutRemoved(const StorageScanResult& result, std::span<const RemovedItem> removed);
 

@@ -152,10 +152,17 @@ bool ScanStore::makeWay(const LogState& log) {
 }
 
 std::vector<CleanupTransaction> ScanStore::loadCleanupTransactions() {
+  return readCleanupTransactions().value_or(std::vector<CleanupTransaction>());
+}
+
+std::optional<std::vector<CleanupTransaction>> ScanStore::readCleanupTransactions() {
   const std::scoped_lock oneAtATime(mutex_);
   LogState log = readLog();
   if (log.bytes == LogState::Bytes::damaged) {
     keepDamaged(log.damagedBytes);
+  }
+  if (log.bytes == LogState::Bytes::unseen) {
+    return std::nullopt;
   }
   return std::move(log.transactions);
 }

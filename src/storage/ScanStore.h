@@ -69,6 +69,8 @@ class ScanStore {
   /// The log, oldest first; empty where it is missing or can't be read. Bytes that can't be decoded are kept once in
   /// "cleanup-transactions.unreadable.json".
   std::vector<CleanupTransaction> loadCleanupTransactions();
+  /// The same, none where it can't be read this time.
+  std::optional<std::vector<CleanupTransaction>> readCleanupTransactions();
 
   /// Adds a transaction at the end and keeps the newest 100.
   LogChange appendCleanupTransaction(const CleanupTransaction& transaction);

@@ -141,6 +141,49 @@ TEST_F(AppModelCleaning, OnePressOverSeveralSourcesIsOneUndo) {
   EXPECT_EQ(model.undoManager().undoActionName(), std::nullopt) << "its parts are no acts of their own";
 }
 
+TEST_F(AppModelCleaning, WhereTheRecordOfOnePressCannotBeWrittenOneUndoStillTakesAllBack) {
+  findProjects();
+  const std::string log = home.platform.places.support + "/cleanup-transactions.json";
+  std::filesystem::create_directories(log);
+  EXPECT_EQ(home.await(model.clear(true, {}, {}, *model.cleanupCandidates)), 0U);
+  EXPECT_EQ(record(), (Lines{"tidy m", "buildCleanup m"}));
+  EXPECT_EQ((*model.lastTrash)->count, 2U);
+  home.await(model.refreshBusyTools());
+  model.undoManager().undo();
+  home.settle();
+  EXPECT_TRUE(stands(".cache/pip") && stands("code/app/node_modules"));
+  EXPECT_EQ(record(), (Lines{"tidy r", "buildCleanup r"}));
+}
+
+TEST_F(AppModelCleaning, TheUndoIsOfferedBeforeTheLongWorkThatFollows) {
+  std::vector<FileEntry> entries{scanned("Documents/film.mkv")};
+  model.run([](AppModel& of, std::vector<FileEntry> moved) -> Task<> {
+    co_await of.removeStorageEntries(std::move(moved), Source::storage);
+  }(model, entries));
+  home.workers.runOne(Lane::acts);
+  home.owner.runAll();
+  ASSERT_EQ(home.workers.waitingIn(Lane::interactive), 1U) << "the scan isn't patched yet";
+  EXPECT_TRUE(*model.lastTrash);
+  home.settle();
+}
+
+TEST_F(AppModelCleaning, ATidyOfAnotherScanIsNotCarriedOut) {
+  model.run([](AppModel& of) -> Task<> { co_await of.runTidy(true, false, {}); }(model));
+  model.selectDrive({.path = home.at("code"), .isFolder = true});
+  home.settle();
+  EXPECT_TRUE(stands(".cache/pip"));
+  EXPECT_FALSE(*model.isTidying);
+}
+
+TEST_F(AppModelCleaning, WhatLiesOutsideOfTheScanLeavesItAsItIs) {
+  model.scanStorage({.path = home.at("code"), .isFolder = true});
+  home.settle();
+  const auto scan = *model.storageResult;
+  home.await(model.moveAppItemsToTrash({fileEntry(home.at("Documents/film.mkv"), 3 * mebibyte)}));
+  EXPECT_EQ(record(), Lines{"apps m"});
+  EXPECT_EQ(*model.storageResult, scan);
+}
+
 TEST_F(AppModelCleaning, WithOneSourceItKeepsItsOwnRecordAndFailuresAreCounted) {
   findProjects();
   std::vector<CleanupCandidate> candidates = *model.cleanupCandidates;

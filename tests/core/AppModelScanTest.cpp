@@ -116,15 +116,49 @@ TEST_F(AppModelScan, ADriveThatIsUnpluggedMidScanGivesWayToTheStartupDisk) {
   model.scanStorage({.path = home.at("Documents"), .isFolder = true});
   home.mounts.all.pop_back();
   home.owner.signal(home.mountWatcher.events());
+  home.owner.advance(1s);
+  home.workers.runOne(Lane::watch);
+  home.owner.runAll();
   EXPECT_EQ(model.selectedDrive->path, "/");
   EXPECT_FALSE(*model.isScanning);
   EXPECT_EQ(model.drives->size(), 1U);
-  // The stored scan of "/" is asked for, the disk isn't: there is a real one below this test.
   home.workers.runOne(Lane::interactive);
   home.owner.runAll();
-  EXPECT_EQ(rootOf(model), "none");
+  EXPECT_EQ(rootOf(model), "none") << "the scan's result is of a drive that is away";
   model.cancelStorageScan();
   EXPECT_EQ((*model.scanProgress)->itemCount, 0);
+}
+
+TEST_F(AppModelScan, WhoAsksWhileAScanIsReplacedDerivesFromTheNewOne) {
+  AppModel& model = home.makeModel(AppModel::Services::none);
+  home.scanHome();
+  model.closetModel.observe([&] {
+    if (*model.closetModel == nullptr) {
+      model.run(model.prepareStorageModels(true));
+    }
+  });
+  model.scanStorage({.path = home.at("Documents"), .isFolder = true});
+  home.settle();
+  ASSERT_TRUE(*model.closetModel);
+  EXPECT_TRUE((*model.closetModel)->childrenByParent().contains(home.at("Documents")));
+  EXPECT_FALSE((*model.closetModel)->childrenByParent().contains(root())) << "of the scan before";
+}
+
+TEST_F(AppModelScan, AMountThatIsNoDriveChangesNothing) {
+  AppModel& model = home.makeModel();
+  home.settle();
+  model.selectDrive(home.url());
+  int told = 0;
+  model.drives.observe([&] { ++told; });
+  for (int mount = 0; mount < 5; ++mount) {
+    home.owner.signal(home.mountWatcher.events());
+  }
+  home.owner.advance(1s);
+  EXPECT_EQ(home.workers.waitingIn(Lane::watch), 1U);
+  home.workers.runOne(Lane::watch);
+  home.owner.runAll();
+  EXPECT_EQ(told, 0);
+  EXPECT_EQ(model.selectedDrive->path, root());
 }
 
 TEST_F(AppModelScan, InsightsOfASupersededScanAreDropped) {

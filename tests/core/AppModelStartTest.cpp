@@ -149,6 +149,40 @@ TEST_F(AppModelStart, TwoModelsOnOneStoreLoseNothingOfEachOther) {
   EXPECT_TRUE(standsAt(home.at("Documents/b")));
 }
 
+TEST_F(AppModelStart, WhatCouldNotBeWrittenStaysOnTheListUntilItIs) {
+  home.home.build({{"Documents/a", 2'000'000}, {"Documents/b", 2'000'000}});
+  AppModel& model = home.makeModel();
+  home.settle();
+  const auto remove = [&](const std::string& name) {
+    home.await(model.removeStorageEntries({fileEntry(home.at("Documents/" + name), 2'000'000)},
+                                          CleanupTransaction::Source::storage));
+  };
+  const auto reload = [&] {
+    home.owner.signal(home.supportWatcher.events());
+    home.advance(1s);
+  };
+  remove("a");
+  const std::string log = supportFile("cleanup-transactions.json");
+  const std::string kept = contentsOf(log);
+  std::filesystem::remove(log);
+  std::filesystem::create_directories(log);
+  remove("b");
+  home.await(model.undoTrash(model.cleanupTransactions->at(0).id));
+  reload();
+  ASSERT_EQ(model.cleanupTransactions->size(), 2U) << "a log that can't be read says nothing";
+  EXPECT_EQ(model.cleanupTransactions->at(0).items[0].outcome, Outcome::restored);
+  std::filesystem::remove(log);
+  std::ofstream(log) << kept;
+  reload();
+  ASSERT_EQ(model.cleanupTransactions->size(), 2U);
+  EXPECT_EQ(model.cleanupTransactions->at(0).items[0].outcome, Outcome::restored) << "it outranks the disk";
+  // The next act finds the journals and writes all of it.
+  home.await(model.undoTrash(model.cleanupTransactions->at(1).id));
+  EXPECT_TRUE(standsAt(home.at("Documents/a")) && standsAt(home.at("Documents/b")));
+  EXPECT_EQ(encodeCleanupTransactions(home.store->loadCleanupTransactions()),
+            encodeCleanupTransactions(*model.cleanupTransactions));
+}
+
 TEST_F(AppModelStart, AnActThatAFormerProcessDiedInIsPutRightBeforeTheRecordIsShown) {
   home.home.build({{"Documents/a", 2'000'000}});
   AppModel& first = home.makeModel(AppModel::Services::none);

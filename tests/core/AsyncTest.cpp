@@ -229,6 +229,38 @@ TEST_F(AsyncTest, ThreadsDoTheWorkOfALaneInOrderAndAnswerOnTheOwner) {
   }
 }
 
+TEST_F(AsyncTest, AtTheEndWritesAreFinishedAndOtherWorkIsDropped) {
+  std::atomic<int> written = 0;
+  std::atomic<int> looked = 0;
+  {
+    ThreadWorkers threads(setThreadPriority);
+    for (int number = 0; number < 50; ++number) {
+      threads.run(Lane::store, [&] { ++written; });
+      threads.run(Lane::watch, [&] {
+        std::this_thread::yield();
+        ++looked;
+      });
+    }
+  }
+  EXPECT_EQ(written, 50);
+  EXPECT_LE(looked, 50);
+}
+
+TEST_F(AsyncTest, WhatIsSharedIsTakenApartByAWorkerAndWithoutOneInItsPlace) {
+  std::optional<Scheduler> passing(std::in_place, owner, workers);
+  const auto share = passing->sharer();
+  const auto witness = [&](const char* name) { return share(std::make_shared<Witness>(story, name)); };
+  auto first = witness("first");
+  auto second = witness("second");
+  first.reset();
+  EXPECT_EQ(story, Story{});
+  workers.runOne();
+  EXPECT_EQ(story, Story{"end of first"});
+  passing.reset();
+  second.reset();
+  EXPECT_EQ(story, (Story{"end of first", "end of second"}));
+}
+
 TEST_F(AsyncTest, ResultsThatComeAfterTheirFlowIsGoneAreDropped) {
   for (int repeat = 0; repeat < 100; ++repeat) {
     std::atomic<int> stopped = 0;

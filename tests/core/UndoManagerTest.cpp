@@ -44,6 +44,15 @@ TEST_F(Undoable, AfterANewActNothingIsDoneAgain) {
   EXPECT_EQ(story, "-a");
 }
 
+TEST_F(Undoable, WhatIsDoneAgainLaterKeepsTheRest) {
+  act("a");
+  act("b");
+  manager.undo();
+  manager.undo();
+  manager.registerUndo("c", [] {}, UndoManager::Cause::redo);
+  EXPECT_EQ(manager.redoActionName(), "a");
+}
+
 TEST_F(Undoable, OnlyTheNewestAreKept) {
   for (std::size_t number = 0; number <= UndoManager::limit; ++number) {
     act("x");

@@ -132,9 +132,9 @@ class ModelDay {
         home.mounts.all.push_back(drive);
       }
       home.owner.signal(home.mountWatcher.events());
+      home.advance(std::chrono::seconds(1));
     };
     change(true);
-    home.settle();
     ASSERT_EQ(model().drives->size(), 2U);
     model().selectDrive({.path = home.at("drive"), .isFolder = true});
     home.settle();
@@ -142,7 +142,6 @@ class ModelDay {
     EXPECT_EQ((*model().storageResult)->entries.size(), 1U);
     storeStartupScan();
     change(false);
-    home.settle();
     EXPECT_EQ(model().selectedDrive->path, "/");
     EXPECT_EQ((*model().storageResult)->root.path, "/") << "its stored scan is shown";
     change(true);
@@ -150,7 +149,6 @@ class ModelDay {
     home.settle();
     EXPECT_EQ((*model().storageResult)->root.path, home.at("drive")) << "nothing of it was forgotten";
     change(false);
-    home.settle();
   }
 
   /// As if the startup disk held the made home and nothing else.

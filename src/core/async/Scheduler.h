@@ -14,7 +14,7 @@ namespace lumenary {
 /// Gives work to threads and its answers to the owner.
 class Scheduler {
  public:
-  /// Both must outlive the value; the workers' threads must have ended before the executor goes.
+  /// Both must outlive the value, and the executor the workers' threads.
   Scheduler(Executor& owner, Workers& workers) : owner_(owner), workers_(workers) {}
 
   /// `work` is called once with a stop token, on a thread of the lane, and its answer is what the job gives. It may use
@@ -30,11 +30,15 @@ class Scheduler {
   }
 
   /// Makes a shared value that a worker takes apart when the last one lets go of it: for what is so large that this
-  /// would hold the owner up. The function may be used on any thread; the workers must outlive what it makes.
+  /// would hold the owner up. The function may be used on any thread; after the scheduler is gone, whoever lets go does
+  /// it.
   auto sharer() {
-    return [&workers = workers_]<class Value>(Value value) {
-      return std::shared_ptr<const Value>(new Value(std::move(value)), [&workers](const Value* last) {
-        workers.run(Lane::utility, [owned = std::unique_ptr<const Value>(last)] {});
+    return [weak = std::weak_ptr(whileAlive_)]<class Value>(Value value) {
+      return std::shared_ptr<const Value>(new Value(std::move(value)), [weak](const Value* last) {
+        std::unique_ptr<const Value> owned(last);
+        if (const auto workers = weak.lock()) {
+          workers->run(Lane::utility, [owned = std::move(owned)] {});
+        }
       });
     };
   }
@@ -44,6 +48,7 @@ class Scheduler {
  private:
   Executor& owner_;
   Workers& workers_;
+  std::shared_ptr<Workers> whileAlive_{&workers_, [](Workers*) {}};  ///< owns nothing
 };
 
 }  // namespace lumenary

@@ -39,8 +39,10 @@ ThreadWorkers::~ThreadWorkers() {
     const std::lock_guard guard(lock_);
     isEnding_ = true;
     for (Queue& queue : queues_) {
-      std::ranges::move(queue.waiting, std::back_inserter(dropped));
-      queue.waiting.clear();
+      if (&queue != &queueOf(Lane::store)) {
+        std::ranges::move(queue.waiting, std::back_inserter(dropped));
+        queue.waiting.clear();
+      }
       queue.hasWork.notify_all();
     }
   }
@@ -56,7 +58,7 @@ void ThreadWorkers::run(Lane lane, Work work) {
   if (isEnding_) {
     return;
   }
-  Queue& queue = queues_[static_cast<std::size_t>(lane)];
+  Queue& queue = queueOf(lane);
   queue.waiting.push_back(std::move(work));
   if (queue.waiting.size() > queue.idle && queue.threads.size() < traitsOf(lane).threads) {
     addThread(lane);
@@ -65,7 +67,7 @@ void ThreadWorkers::run(Lane lane, Work work) {
 }
 
 void ThreadWorkers::addThread(Lane lane) {
-  Queue& queue = queues_[static_cast<std::size_t>(lane)];
+  Queue& queue = queueOf(lane);
   try {
     queue.threads.emplace_back([this, lane] { serve(lane); });
   } catch (const std::system_error&) {
@@ -78,13 +80,13 @@ void ThreadWorkers::addThread(Lane lane) {
 
 void ThreadWorkers::serve(Lane lane) {
   setPriority_(traitsOf(lane).priority);
-  Queue& queue = queues_[static_cast<std::size_t>(lane)];
+  Queue& queue = queueOf(lane);
   std::unique_lock held(lock_);
   while (true) {
     ++queue.idle;
     queue.hasWork.wait(held, [&] { return isEnding_ || !queue.waiting.empty(); });
     --queue.idle;
-    if (isEnding_) {
+    if (queue.waiting.empty()) {
       return;
     }
     {

@@ -40,7 +40,7 @@ class Workers {
 class ThreadWorkers final : public Workers {
  public:
   explicit ThreadWorkers(std::function<void(ThreadPriority)> setPriority) : setPriority_(std::move(setPriority)) {}
-  /// Waits for what has begun; what hasn't is dropped.
+  /// Waits for what has begun, and for all writes of the store; what else hasn't begun is dropped.
   ~ThreadWorkers() override;
 
   void run(Lane lane, Work work) override;
@@ -52,6 +52,7 @@ class ThreadWorkers final : public Workers {
     std::size_t idle = 0;
     std::condition_variable hasWork;
   };
+  Queue& queueOf(Lane lane) { return queues_[static_cast<std::size_t>(lane)]; }
   void addThread(Lane lane);
   void serve(Lane lane);
 
