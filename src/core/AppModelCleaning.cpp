@@ -69,9 +69,10 @@ Task<> AppModel::clean(std::vector<CleanupCandidate> candidates) {
 }
 
 Task<> AppModel::cleanCandidates(std::vector<CleanupCandidate> candidates, Records& records) {
-  auto done =
-      co_await scheduler_.start(Lane::acts, [engine = engine_, candidates = std::move(candidates)](
-                                                const std::stop_token&) { return engine->acts.clean(candidates); });
+  auto done = co_await scheduler_.start(
+      Lane::acts, [engine = engine_, candidates = std::move(candidates)](const std::stop_token& stop) {
+        return engine->acts.clean(candidates, stop);
+      });
   cleanupOutcomes.set(done.outcomes);
   const std::set<std::string> gone = movedPaths(done.outcomes);
   publishDone(std::move(done), records);

@@ -56,6 +56,9 @@ Job<AppModel::Insights> AppModel::startInsights(Scan scan) {
     if (scan->root.path != macVolumeRoot.path) {
       insights.junk = macJunk(*platform.reader, scan->root.path, macJunkLimit, stop);
     }
+    if (stop.stop_requested()) {
+      return Insights();
+    }
     insights.plan = standing(planOf(*engine, *gate, *scan, insights.duplicates, insights.junk, true), *platform.reader);
     return insights;
   });
