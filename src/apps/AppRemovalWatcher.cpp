@@ -38,6 +38,12 @@ void AppRemovalWatcher::start() { known_ = snapshot_(); }
 std::vector<RemovedApp> AppRemovalWatcher::check() {
   Snapshot after = snapshot_();
   std::vector<RemovedApp> removed = removedApps(known_, after, isInstalledAnywhere_);
+  // What still stands somewhere may be on its way out: it is asked after again.
+  for (auto& [id, name] : known_) {
+    if (!after.contains(id) && std::ranges::find(removed, id, &RemovedApp::bundleID) == removed.end()) {
+      after.emplace(id, std::move(name));
+    }
+  }
   known_ = std::move(after);
   return removed;
 }

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <utility>
 
+#include "base/Path.h"
+#include "base/Text.h"
 #include "base/Unicode.h"
 #include "cleanup/LinuxCatalog.h"
 
@@ -81,6 +83,13 @@ std::vector<std::string> namesOf(const RegisteredApp& app) {
     return name.size() < 2 || std::ranges::find(generalNames, caseFolded(name)) != generalNames.end();
   });
   return names;
+}
+
+/// Beside settings and data "logs" may be what a person wrote and read: chat programs keep conversations so.
+bool mayBeHistory(const std::string& path, const Places& places) {
+  const std::string name = loweredASCII(lastPathComponent(path));
+  return (name == "logs" || name == "log") &&
+         (isSameOrInside(path, places.configHome) || isSameOrInside(path, places.dataHome));
 }
 
 /// No safer than the catalog says, and nothing that the mover would refuse.
@@ -169,8 +178,13 @@ std::vector<FoundBundle> linuxBundles(const std::vector<RegisteredApp>& apps) {
 AppInventoryScanner linuxInventoryScanner(const Places& places, const std::vector<RegisteredApp>& apps,
                                           const CleanupCatalog& catalog) {
   AppInventoryScanner scanner{.home = places.home, .layout = linuxLayout(places), .bundles = linuxBundles(apps)};
-  scanner.layout.least = [&catalog, home = places.home](const std::string& path) {
-    return leastOf(path, home, catalog);
+  scanner.layout.least = [&catalog, places](const std::string& path) {
+    LeastVerdict least = leastOf(path, places.home, catalog);
+    if (least.verdict == AppDataVerdict::safe && mayBeHistory(path, places)) {
+      least = {.verdict = AppDataVerdict::caution,
+               .explanation = "Logs. Some programs keep conversations here: look before they go."};
+    }
+    return least;
   };
   return scanner;
 }

@@ -54,7 +54,8 @@ class LinuxAppSystem final : public AppSystem {
                                                  .registry = *platform_.apps,
                                                  .seen = seen.load(),
                                                  .now = now,
-                                                 .isOpen = OpenPaths(*platform_.systemFacts)});
+                                                 .isOpen = OpenPaths(*platform_.systemFacts),
+                                                 .programFolders = programFolders()});
     scanner.includesContainers = request.includesContainers;
     scanner.knownSizes = std::move(request.knownSizes);
     scanner.runningBundleIDs = std::move(request.runningBundleIDs);
@@ -77,6 +78,19 @@ class LinuxAppSystem final : public AppSystem {
   std::expected<void, CleanupRefusal> remove(const BackgroundItem& item) override { return controller_.remove(item); }
 
  private:
+  /// Those of the search path, and those that distributions and package managers have beside it.
+  std::vector<std::string> programFolders() const {
+    std::vector<std::string> folders = startup_.programFolders;
+    for (const char* const folder : {"/usr/local/bin", "/usr/bin", "/bin", "/usr/games", "/usr/local/games",
+                                     "/run/current-system/sw/bin", "/nix/var/nix/profiles/default/bin"}) {
+      folders.emplace_back(folder);
+    }
+    for (const char* const folder : {"/.local/bin", "/bin", "/.nix-profile/bin", "/.cargo/bin", "/go/bin"}) {
+      folders.push_back(platform_.places.home + folder);
+    }
+    return folders;
+  }
+
   const Platform& platform_;
   const CleanupCatalog& catalog_;
   LinuxStartupPlaces startup_;

@@ -32,7 +32,9 @@ bool LinuxBackgroundItemsController::isLink(const BackgroundItem& item) const {
 }
 
 bool LinuxBackgroundItemsController::canSwitch(const BackgroundItem& item) const {
-  return isAutostart(item) ? !places_.autostart.empty() : isOwn(item) && isUnitName(item.label) && !isLink(item);
+  const bool hasOwnFolder =
+      !places_.autostart.empty() && places_.autostart.front().domain == BackgroundItem::Domain::user;
+  return isAutostart(item) ? hasOwnFolder : isOwn(item) && isUnitName(item.label) && !isLink(item);
 }
 
 void LinuxBackgroundItemsController::setEnabled(const BackgroundItem& item, bool enabled) const {
@@ -48,7 +50,16 @@ void LinuxBackgroundItemsController::setEnabled(const BackgroundItem& item, bool
   }
 }
 
-/// What a trigger starts goes on when the trigger is stopped, and is to be stopped as well.
+/// By itself, whatever else starts it.
+bool LinuxBackgroundItemsController::isEnabled(const std::string& unit) const {
+  const auto text = toolText(
+      tools_,
+      {.path = places_.systemctl, .arguments = {"--user", "is-enabled", "--", unit}, .timeLimit = toolTimeLimit});
+  return text && text->starts_with("enabled");
+}
+
+/// What a trigger starts goes on when the trigger is stopped, and is to be stopped as well: a service that is there for
+/// the trigger alone.
 std::vector<std::string> LinuxBackgroundItemsController::servicesOf(const BackgroundItem& item) const {
   if (item.label.ends_with(".service")) {
     return {};
@@ -60,7 +71,7 @@ std::vector<std::string> LinuxBackgroundItemsController::servicesOf(const Backgr
   std::istringstream words(text.value_or(""));
   std::vector<std::string> services;
   for (std::string word; words >> word;) {
-    if (isUnitName(word)) {
+    if (isUnitName(word) && word.ends_with(".service") && !isEnabled(word)) {
       services.push_back(word);
     }
   }

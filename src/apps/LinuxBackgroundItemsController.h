@@ -35,6 +35,7 @@ class LinuxBackgroundItemsController {
 
  private:
   void systemctl(std::vector<std::string> arguments) const;
+  bool isEnabled(const std::string& unit) const;
   std::vector<std::string> servicesOf(const BackgroundItem& item) const;
   void stop(const std::vector<std::string>& units) const;
   void turnOff(const BackgroundItem& item) const;

@@ -101,11 +101,15 @@ class Judge {
       return isFlatpakID(name) && isFolder(path) && !inputs_.registry.isInstalled(name);
     }
     if (location.onlyFor == AppOrigin::snap) {
-      return isSnapName(name) && isFolder(path) && !inputs_.registry.isInstalled(name);
+      // A person may keep things of their own there.
+      const auto snap = std::ranges::find(inputs_.seen, name, &SeenApp::id);
+      return snap != inputs_.seen.end() && snap->origin == AppOrigin::snap && isSnapName(name) &&
+             isFolder(appendingPathComponent(path, "common")) && !inputs_.registry.isInstalled(name);
     }
+    // Those of a store keep their things in their container alone.
     const auto seen = std::ranges::find(inputs_.seen, name, &SeenApp::id);
-    return seen != inputs_.seen.end() && seen->lastSeen < inputs_.now && isGone(*seen) && isFolder(path) &&
-           !WrittenSince(inputs_.reader, inputs_.now - quietTime)(path);
+    return seen != inputs_.seen.end() && !isOfStore(*seen) && seen->lastSeen < inputs_.now && isGone(*seen) &&
+           isFolder(path) && !WrittenSince(inputs_.reader, inputs_.now - quietTime)(path);
   }
 
   bool isFolder(const std::string& path) const {
@@ -113,12 +117,16 @@ class Judge {
     return found && found->identity.kind == FileKind::folder;
   }
 
-  /// Without its entry a program may go on working: then it stands where it stood. Where that isn't known, only those
-  /// are gone whose store knows nothing of them.
+  /// Without its entry a program may go on working: then it stands where it stood, or somewhere else under its name.
   bool isGone(const SeenApp& app) const {
-    const bool hasStore = app.origin == AppOrigin::flatpak || app.origin == AppOrigin::snap;
-    const bool isWithout = app.program.empty() ? hasStore : isMissing(app.program);
-    return isWithout && !inputs_.registry.isInstalled(app.id);
+    const auto standsIn = [&](const std::string& folder) {
+      return !isMissing(appendingPathComponent(folder, lastPathComponent(app.program)));
+    };
+    return !app.program.empty() && isMissing(app.program) && std::ranges::none_of(inputs_.programFolders, standsIn) &&
+           !inputs_.registry.isInstalled(app.id);
+  }
+  static bool isOfStore(const SeenApp& app) {
+    return app.origin == AppOrigin::flatpak || app.origin == AppOrigin::snap;
   }
 
   bool isMissing(const std::string& path) const {

@@ -18,7 +18,10 @@ struct LinuxLeftovers {
   const AppRegistry& registry;
   std::vector<SeenApp> seen;
   Date now;
-  std::function<bool(const std::string& path)> isOpen;  ///< whether a program has something open at or below a path
+  /// Whether a program has something open at or below a path. Must be set.
+  std::function<bool(const std::string& path)> isOpen;
+  std::vector<std::string>
+      programFolders{};  ///< where programs stand: one that is called so may have come from elsewhere
 };
 
 /// Certain cases only: the container of a Flatpak or snap that is installed nowhere, and a folder called exactly like

@@ -80,6 +80,11 @@ bool isKnownAs(const RegisteredApp& app, const std::string& name) {
          std::ranges::any_of(app.dataNames, [&](const std::string& each) { return compared(each) == name; });
 }
 
+bool isForAnotherSystem(std::string_view path) {
+  const std::string_view extension = pathExtension(lastPathComponent(path));
+  return equalsIgnoringCase(extension, "dmg") || equalsIgnoringCase(extension, "pkg");
+}
+
 }  // namespace
 
 std::string installedName(std::string_view fileName) { return displayText(upToDigit(nameOfInstaller(fileName))); }
@@ -96,7 +101,11 @@ std::optional<InstallerTarget> installerTarget(std::string_view path, std::span<
        {whole, cut, cut.ends_with(channel) ? cut.substr(0, cut.size() - channel.size()) : cut}) {
     const std::string wanted = compared(name);
     const auto app = std::ranges::find_if(apps, [&](const RegisteredApp& each) { return isKnownAs(each, wanted); });
-    if (!wanted.empty() && app != apps.end()) {
+    // An image that is just called like an app of Linux is of another system, or no installer at all.
+    const bool isForeign =
+        isForAnotherSystem(path) && name == lastPathComponent(path).substr(0, name.size()) &&
+        name.size() + pathExtension(lastPathComponent(path)).size() + 1 == lastPathComponent(path).size();
+    if (!wanted.empty() && app != apps.end() && (app->origin == AppOrigin::bundle || !isForeign)) {
       return InstallerTarget{.name = displayText(app->name), .isInstalled = true};
     }
   }

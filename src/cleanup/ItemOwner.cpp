@@ -102,8 +102,11 @@ const RegisteredApp* appNamed(const std::vector<RegisteredApp>& apps, std::strin
 /// A person may have an app in a place that no registry knows: what its own folder is called says nothing of that.
 ItemOwner ownerOfName(const OwnerFolder& folder, const std::vector<RegisteredApp>& apps, const AppRegistry& registry) {
   const bool isIdentifier = folder.isSurelyIdentifier || isReverseHostName(folder.name);
+  // Elsewhere an app that no registry knows may well be there: an archive that was unpacked, a program without an
+  // entry.
+  const bool canBeTold = folder.isSurelyIdentifier || folder.isInLibrary || !isIdentifier;
   ItemOwner owner{.name = isIdentifier ? readableName(folder.name) : displayText(folder.name),
-                  .isInstalled = false,
+                  .isInstalled = canBeTold ? std::optional(false) : std::nullopt,
                   .isIdentifier = isIdentifier};
   if (appNamed(apps, owner.name) != nullptr || appNamed(apps, folder.name) != nullptr) {
     owner.isInstalled = true;

@@ -114,15 +114,16 @@ std::optional<OwnerFolder> inLibrary(std::string_view path) {
   }
   const std::string lowered = loweredASCII(name);
   return OwnerFolder{.name = std::string(name),
-                     .isOfSystem = lowered.starts_with("com.apple.") || lowered.starts_with("apple.")};
+                     .isOfSystem = lowered.starts_with("com.apple.") || lowered.starts_with("apple."),
+                     .isInLibrary = true};
 }
 
 std::optional<OwnerFolder> onLinux(std::string_view path, const Places& places) {
-  // Whatever stands in these is an app's, by the identifier or the name that its package has.
-  for (const std::string_view folder : {"/.var/app", "/snap"}) {
-    const std::string_view name = firstComponent(below(path, places.home + std::string(folder)));
+  // Whatever stands in the first is an app's, by its identifier; a person may have a folder of their own in the second.
+  for (const auto& [folder, isSure] : {std::pair("/.var/app", true), std::pair("/snap", false)}) {
+    const std::string_view name = firstComponent(below(path, places.home + folder));
     if (!name.empty()) {
-      return OwnerFolder{.name = std::string(name), .isSurelyIdentifier = true};
+      return OwnerFolder{.name = std::string(name), .isSurelyIdentifier = isSure};
     }
   }
   for (const std::string& folder : {places.configHome, places.cacheHome, places.dataHome, places.stateHome}) {

@@ -13,6 +13,7 @@ struct OwnerFolder {
   std::string name;                 ///< without what is put around an app's name there
   bool isOfSystem = false;          ///< of macOS itself
   bool isSurelyIdentifier = false;  ///< nothing but an app's identifier may stand there
+  bool isInLibrary = false;         ///< where an app that nobody knows any more was installed once
 
   bool operator==(const OwnerFolder&) const = default;
 };

@@ -38,8 +38,9 @@ void MemoryOptimizer::setOn(bool isWanted) {
   }
   const std::optional<std::int32_t> front = control_.frontProcess();
   const std::string frontPath = front ? reader_.appPath(*front) : std::string();
+  // Where it can't be told, any of them may be the one that the person works in.
   for (const AppMemoryUsage& usage : processes()) {
-    if (usage.bundlePath && *usage.bundlePath != frontPath) {
+    if (front && usage.bundlePath && *usage.bundlePath != frontPath) {
       lower(*usage.bundlePath);
     }
   }

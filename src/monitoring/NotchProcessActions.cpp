@@ -23,6 +23,46 @@ NotchActionResult failure(std::string title, std::string detail) {
   return {.title = std::move(title), .details = {std::move(detail)}, .failed = true};
 }
 
+/// Programs in which a person works: their command lines may name anything, and much else runs in them.
+constexpr std::array workplaces = std::to_array<std::string_view>({"sh",
+                                                                   "bash",
+                                                                   "dash",
+                                                                   "zsh",
+                                                                   "fish",
+                                                                   "ksh",
+                                                                   "tmux",
+                                                                   "tmux:",
+                                                                   "screen",
+                                                                   "SCREEN",
+                                                                   "zellij",
+                                                                   "xterm",
+                                                                   "kitty",
+                                                                   "alacritty",
+                                                                   "konsole",
+                                                                   "gnome-terminal-",
+                                                                   "gnome-terminal-server",
+                                                                   "xfce4-terminal",
+                                                                   "foot",
+                                                                   "wezterm-gui",
+                                                                   "code",
+                                                                   "codium",
+                                                                   "cursor",
+                                                                   "vim",
+                                                                   "nvim",
+                                                                   "gvim",
+                                                                   "emacs",
+                                                                   "emacsclient",
+                                                                   "sshd",
+                                                                   "sshd:",
+                                                                   "login",
+                                                                   "systemd"});
+
+bool isWorkplace(std::string_view arguments) {
+  std::string_view program = arguments.substr(0, arguments.find(' '));
+  program.remove_prefix(program.starts_with('-') ? 1 : 0);  // of a login shell
+  return std::ranges::find(workplaces, lastPathComponent(program)) != workplaces.end();
+}
+
 }  // namespace
 
 std::optional<NotchProcessIdentity> NotchProcessIdentity::capture(const ProcessReader& processes, std::int32_t pid) {
@@ -74,15 +114,24 @@ NotchActionResult NotchProcessActions::stop(const PortEntry& port) const {
 }
 
 void NotchProcessActions::terminateSupervisors(std::int32_t pid) const {
-  const std::vector<NotchDeckRules::Ancestor> above = ancestors(pid);
+  std::vector<NotchDeckRules::Ancestor> above = ancestors(pid);
+  std::erase_if(above, [](const NotchDeckRules::Ancestor& ancestor) { return isWorkplace(ancestor.arguments); });
+  std::vector<NotchProcessIdentity> supervisors;
   for (const std::int32_t supervisor : NotchDeckRules::supervisors(above, self_.uid)) {
     const auto identity =
         supervisor == self_.pid ? std::nullopt : NotchProcessIdentity::capture(processes_, supervisor);
-    // It may have ended and left its number to another since it was looked at.
-    const std::vector<NotchDeckRules::Ancestor> stillAbove = ancestors(pid);
-    if (identity && std::ranges::find(stillAbove, supervisor, &NotchDeckRules::Ancestor::pid) != stillAbove.end()) {
-      terminate(*identity);
+    if (identity) {
+      supervisors.push_back(*identity);
     }
+  }
+  // One may have ended and left its number to another since it was looked at. All are looked at before the first is
+  // asked: without it, those above it would no longer be.
+  const std::vector<NotchDeckRules::Ancestor> stillAbove = ancestors(pid);
+  std::erase_if(supervisors, [&](const NotchProcessIdentity& identity) {
+    return std::ranges::find(stillAbove, identity.pid, &NotchDeckRules::Ancestor::pid) == stillAbove.end();
+  });
+  for (const NotchProcessIdentity& identity : supervisors) {
+    terminate(identity);
   }
 }
 

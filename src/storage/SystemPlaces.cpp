@@ -115,7 +115,7 @@ std::span<const SystemPlace> linuxSystemPlaces() {
       SystemPlace{"/tmp", "Temporary files", "Scratch space of running programs. The system clears it when it starts.",
                   keep},
       SystemPlace{"/var/tmp", "Temporary files that last",
-                  "Scratch space that outlives a restart. The system clears away what is older than a month.", keep},
+                  "Scratch space that outlives a restart. Some systems clear away what is older than a month.", keep},
       SystemPlace{"/nix/store", "Nix packages",
                   "Packages of every generation. `nix-collect-garbage --delete-old` keeps the current one.", keep},
   };

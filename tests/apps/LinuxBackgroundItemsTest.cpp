@@ -181,8 +181,13 @@ TEST_F(LinuxBackgroundItems, UnitsAreSwitchedOnlyWhereTheyArePersonal) {
   EXPECT_EQ(switched("a.service", true), Calls{"enable --now -- a.service"});
   EXPECT_EQ(switched("a.service", false), Calls{"disable --now -- a.service"});
   tools.answers["/usr/bin/systemctl --user show --property=Triggers --value -- b.timer"] = "b.service --bad\n";
-  EXPECT_EQ(switched("b.timer", false),
-            (Calls{"show --property=Triggers --value -- b.timer", "disable --now -- b.timer", "stop -- b.service"}));
+  EXPECT_EQ(switched("b.timer", false), (Calls{"show --property=Triggers --value -- b.timer", "is-enabled -- b.service",
+                                               "disable --now -- b.timer", "stop -- b.service"}));
+  // What is on by itself, or is no service, goes on.
+  tools.answers["/usr/bin/systemctl --user show --property=Triggers --value -- b.timer"] = "b.service some.target\n";
+  tools.answers["/usr/bin/systemctl --user is-enabled -- b.service"] = "enabled\n";
+  EXPECT_EQ(switched("b.timer", false), (Calls{"show --property=Triggers --value -- b.timer", "is-enabled -- b.service",
+                                               "disable --now -- b.timer"}));
   EXPECT_EQ(switched("c.service", false), Calls{});
   EXPECT_FALSE(controller().canSwitch(item("c.service")));
   EXPECT_EQ(switched("d.service", false), Calls{});

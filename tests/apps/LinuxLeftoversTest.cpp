@@ -38,8 +38,12 @@ struct LeftoverMachine : AppMachine {
     const CleanupCatalog catalog(names);
     AppInventoryScanner scanner = linuxInventoryScanner(places(), installed.apps(), catalog);
     scanner.now = [] { return now; };
-    scanner.layout.leftover =
-        linuxLeftoverRule({.reader = reader, .registry = installed, .seen = seen, .now = now, .isOpen = isOpen});
+    scanner.layout.leftover = linuxLeftoverRule({.reader = reader,
+                                                 .registry = installed,
+                                                 .seen = seen,
+                                                 .now = now,
+                                                 .isOpen = isOpen,
+                                                 .programFolders = {path("usr/bin"), path(".nix-profile/bin")}});
     std::set<std::string> paths;
     for (const LeftoverGroup& group : scanner.inventory(reader, files).leftovers) {
       for (const AppDataItem& item : group.items) {
@@ -59,6 +63,9 @@ TEST(LinuxLeftovers, AreToldWhereItIsCertain) {
   LeftoverMachine machine;
   machine.keepOld({".var/app/org.flat.Gone", "snap/fire", ".cache/org.gone.App", ".config/org.gone.App",
                    ".local/share/org.gone.App", ".local/state/org.gone.App"});
+  machine.makeFolder("snap/fire/common");
+  machine.seen.push_back(
+      {.id = "fire", .name = "Fire", .origin = AppOrigin::snap, .firstSeen = longAgo, .lastSeen = longAgo});
   EXPECT_EQ(machine.leftovers(),
             (std::set<std::string>{".var/app/org.flat.Gone", "snap/fire", ".cache/org.gone.App", ".config/org.gone.App",
                                    ".local/share/org.gone.App", ".local/state/org.gone.App"}));
@@ -104,6 +111,30 @@ TEST(LinuxLeftovers, StayQuietInDoubt) {
        [](LeftoverMachine& machine) {
          machine.keepOld({".config/org.unknown.App", ".config/pipx", ".local/state/nix", ".config/htop",
                           ".local/share/com.maker.Tool", ".cache/com.maker.Tool"});
+       }},
+      {"a person's own folder where snaps have theirs",
+       [](LeftoverMachine& machine) { machine.keepOld({"snap/photos", "snap/photos/common"}); }},
+      {"a snap was tried, and the same program is there without it",
+       [](LeftoverMachine& machine) {
+         machine.keepOld({".config/helix"});
+         machine.seen.push_back(
+             {.id = "helix", .name = "Helix", .origin = AppOrigin::snap, .firstSeen = longAgo, .lastSeen = longAgo});
+       }},
+      {"the program stands in another place now",
+       [](LeftoverMachine& machine) {
+         machine.keepOld({".config/org.gone.App"});
+         machine.write(".nix-profile/bin/gone");
+       }},
+      {"in a container the stores around it can't be seen",
+       [](LeftoverMachine& machine) {
+         machine.keepOld({".var/app/org.flat.Gone", ".config/org.gone.App"});
+         machine.write("run/.containerenv");
+         machine.roots.containerMarkers = {machine.path("run/.containerenv")};
+       }},
+      {"a file that names further installations can't be read",
+       [](LeftoverMachine& machine) {
+         machine.keepOld({".var/app/org.flat.Gone"});
+         machine.makeFolder("etc/flatpak/unreadable");
        }},
       {"the settings of another desktop",
        [](LeftoverMachine& machine) {

@@ -50,6 +50,13 @@ TEST_F(Optimizer, LowersEveryAppButTheOneInFront) {
   EXPECT_TRUE(optimizer.lowered.empty()) << "it is off";
 }
 
+TEST_F(Optimizer, LowersNothingWhereTheAppInFrontCannotBeTold) {
+  control.front.reset();
+  optimizer.setOn(true);
+  EXPECT_TRUE(control.calls.empty());
+  EXPECT_EQ(optimizer.message, "No background apps to lower right now.");
+}
+
 TEST_F(Optimizer, TellsHowManyItLowered) {
   control.deaf = {4, 5};
   optimizer.setOn(true);
@@ -64,6 +71,7 @@ TEST(MemoryOptimizer, LeavesNoAppSlowedDown) {
   FakeProcesses processes;
   processes.running[4].appPath = "/a";
   FakeControl control;
+  control.front = 3;
   {
     MemoryOptimizer optimizer(control, processes, "", [](auto, auto) {});
     optimizer.processes = [] {

@@ -15,7 +15,7 @@ const Date started{std::chrono::seconds(1000)};
 class ProcessActions : public ::testing::Test {
  protected:
   ProcessActions() {
-    run(10, 1, {"terminal"});
+    run(10, 1, {"/usr/bin/tmux", "new", "-s", "yarn", "npm run dev"});  // much else may run in it
     run(20, 10, {"sh", "-c", "npm run dev"});
     run(30, 20, {"/usr/bin/node", "npm-cli.js", "run", "dev"});
     run(40, 30, {"sh", "-c", "vite --watch"});
@@ -62,6 +62,19 @@ const NotchActionResult changed{
 TEST_F(ProcessActions, StopsWhatWouldStartTheServerAgainFirst) {
   EXPECT_EQ(stop(), (NotchActionResult{.title = "Server stopped"}));
   EXPECT_EQ(control.calls, (std::vector<std::string>{"terminate 30", "terminate 50"}));
+}
+
+TEST_F(ProcessActions, AsksAllThatWouldStartItAgainThoughTheFirstTakesTheServerFromTheOthers) {
+  run(35, 30, {"node", "nodemon"});
+  run(40, 35, {"sh", "-c", "vite --watch"});
+  control.onTerminate = [this](std::int32_t pid) {
+    end(pid);
+    if (pid == 35) {
+      processes.running[serverID].record.parent = 1;
+    }
+  };
+  EXPECT_EQ(stop(), (NotchActionResult{.title = "Server stopped"}));
+  EXPECT_EQ(control.calls, (std::vector<std::string>{"terminate 35", "terminate 30", "terminate 50"}));
 }
 
 TEST_F(ProcessActions, TellsAServerThatEndsWithItsWatcher) {

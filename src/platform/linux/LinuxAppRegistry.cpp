@@ -71,8 +71,10 @@ std::vector<RegisteredApp> LinuxAppRegistry::apps() const {
 
 bool LinuxAppRegistry::isInstalled(std::string_view id) const {
   const std::string lowered = loweredASCII(id);
-  return hasDesktopEntry(lowered) || isSnapInstalled(reader_, roots_, lowered) || isAppImageOf(lowered) ||
-         isFlatpakInstalled(reader_, files_, roots_, lowered);
+  const bool isInContainer =
+      std::ranges::any_of(roots_.containerMarkers, [&](const std::string& marker) { return reader_.exists(marker); });
+  return isInContainer || hasDesktopEntry(lowered) || isSnapInstalled(reader_, roots_, lowered) ||
+         isAppImageOf(lowered) || isFlatpakInstalled(reader_, files_, roots_, lowered);
 }
 
 /// One that no menu shows counts as well: what it starts is there.

@@ -39,6 +39,7 @@ LinuxAppRoots linuxAppRoots(const Environment& environment, const Places& places
     }
     rest.remove_prefix(std::min(end + 1, rest.size()));
   }
+  roots.containerMarkers = {"/run/.containerenv", "/.dockerenv", "/run/.toolboxenv"};
   roots.sharedFolders = {"/opt",
                          "/usr/lib",
                          "/usr/lib64",

@@ -16,6 +16,8 @@ struct LinuxAppRoots {
   std::string flatpakConfigurations;              ///< a folder of files that name further installations
   std::vector<std::string> snapFolders;           ///< with a folder for each snap
   std::string snapFiles;                          ///< with the file of each revision of a snap
+  /// One of them stands where this is a container: the stores of the machine around it can't be seen then.
+  std::vector<std::string> containerMarkers;
   std::vector<std::string> appImageFolders;
   std::vector<std::string> programFolders;  ///< of $PATH
   std::vector<std::string> sharedFolders;   ///< a program's folder right in one of these is its own

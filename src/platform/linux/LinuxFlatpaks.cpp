@@ -22,34 +22,51 @@ struct Installation {
 
 /// The "Path" of each "[Installation …]" in a configuration file.
 std::vector<std::string> installationPaths(std::string_view text) {
-  constexpr std::string_view key = "Path=";
+  constexpr std::string_view key = "Path";
+  constexpr std::string_view blanks = " \t\r";
   std::vector<std::string> paths;
   while (!text.empty()) {
     const std::size_t end = std::min(text.find('\n'), text.size());
     const std::string_view line = text.substr(0, end);
     text.remove_prefix(std::min(end + 1, text.size()));
-    if (line.starts_with(key) && line.substr(key.size()).starts_with('/')) {
-      paths.push_back(standardise(line.substr(key.size(), line.find_last_not_of(" \t\r") + 1 - key.size())));
+    const std::size_t equals = line.find('=');
+    if (equals == std::string_view::npos) {
+      continue;
+    }
+    const std::string_view name = line.substr(0, line.find_last_not_of(" \t=", equals) + 1);
+    const std::size_t start = line.find_first_not_of(blanks, equals + 1);
+    if (name == key && start != std::string_view::npos && line[start] == '/') {
+      paths.push_back(standardise(line.substr(start, line.find_last_not_of(blanks) + 1 - start)));
     }
   }
   return paths;
 }
 
-std::vector<Installation> installations(const FileReader& reader, DurableFiles& files, const LinuxAppRoots& roots) {
+struct Installations {
   std::vector<Installation> all;
-  all.reserve(roots.flatpakInstallations.size());
+  bool isComplete = true;  ///< false where there may be more that can't be read
+};
+
+Installations installations(const FileReader& reader, DurableFiles& files, const LinuxAppRoots& roots) {
+  Installations found;
+  found.all.reserve(roots.flatpakInstallations.size());
   for (const std::string& path : roots.flatpakInstallations) {
-    all.push_back({.path = path});
+    found.all.push_back({.path = path});
   }
-  const auto configurations = folderNames(reader, roots.flatpakConfigurations).value_or(FolderNames());
-  for (const auto& [name, kind] : configurations) {
+  const auto configurations = folderNames(reader, roots.flatpakConfigurations);
+  if (!configurations) {
+    found.isComplete = configurations.error().isMissing();
+    return found;
+  }
+  for (const auto& [name, kind] : *configurations) {
     const auto text = files.read(appendingPathComponent(roots.flatpakConfigurations, name), byteLimit);
+    found.isComplete = found.isComplete && (text || text.error().isMissing());
     for (std::string& path : installationPaths(text.value_or(""))) {
       // One that was set up stands somewhere: on a drive that is away, where this one's folder is missing.
-      all.push_back({.path = std::move(path), .mayBeMissing = false});
+      found.all.push_back({.path = std::move(path), .mayBeMissing = false});
     }
   }
-  return all;
+  return found;
 }
 
 /// False only where it is sure that nothing stands there.
@@ -96,7 +113,7 @@ RegisteredApp flatpakApp(const FileReader& reader, DurableFiles& files, const Li
 std::vector<RegisteredApp> flatpakApps(const FileReader& reader, DurableFiles& files, const LinuxAppRoots& roots) {
   std::vector<RegisteredApp> apps;
   std::set<std::string> seen;
-  for (const Installation& installation : installations(reader, files, roots)) {
+  for (const Installation& installation : installations(reader, files, roots).all) {
     const std::string folder = installation.path + "/app";
     for (const auto& [id, kind] : folderNames(reader, folder).value_or(FolderNames())) {
       const std::string appFolder = appendingPathComponent(folder, id);
@@ -111,7 +128,11 @@ std::vector<RegisteredApp> flatpakApps(const FileReader& reader, DurableFiles& f
 bool isFlatpakInstalled(const FileReader& reader, DurableFiles& files, const LinuxAppRoots& roots,
                         std::string_view id) {
   const std::string lowered = loweredASCII(id);
-  for (const Installation& installation : installations(reader, files, roots)) {
+  const Installations known = installations(reader, files, roots);
+  if (!known.isComplete) {
+    return true;
+  }
+  for (const Installation& installation : known.all) {
     for (const char* const kindFolder : {"/app", "/runtime"}) {
       const std::string folder = installation.path + kindFolder;
       const auto names = folderNames(reader, folder);

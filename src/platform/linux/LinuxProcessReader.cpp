@@ -163,9 +163,10 @@ ProcessReader::Sample LinuxProcessReader::sample() {
   }
 
   // The first process of an app is the one that started first; by id, which may have begun anew, only among equals.
+  // What was started in an app (a server, a shell) stays in its control group when the app has gone: it isn't the app.
   std::map<const RegisteredApp*, std::pair<std::uint64_t, std::int32_t>> first;
   for (const auto& [pid, known] : known_) {
-    if (known.app != nullptr) {
+    if (known.app != nullptr && known.isOfAppItself) {
       const std::pair candidate(known.startTicks, pid);
       const auto [at, isNew] = first.emplace(known.app, candidate);
       at->second = std::min(at->second, candidate);
@@ -175,6 +176,10 @@ ProcessReader::Sample LinuxProcessReader::sample() {
     sample.apps.push_back({.pid = process.second, .path = app->path, .id = app->id, .name = app->name});
   }
   std::ranges::sort(sample.apps, {}, &RunningApp::pid);
+  for (ProcessUsage& usage : sample.processes) {
+    const Known& known = known_.at(usage.pid);
+    usage.appPath = first.contains(known.app) ? known.app->path : known.executable;
+  }
   return sample;
 }
 
@@ -217,15 +222,19 @@ bool LinuxProcessReader::refresh(std::int32_t pid, Known& known, std::uint64_t n
     known.isPlaced = known.startTicks + (settlingSeconds * ticksPerSecond_) < nowTicks;
   }
   usage.footprintBytes = known.footprintBytes;
-  usage.appPath = known.appPath;
   sample.processes.push_back(std::move(usage));
   return true;
 }
 
 void LinuxProcessReader::place(std::int32_t pid, Known& known) {
-  std::string executable;
-  known.app = appOf(pid, *apps_, executable);
-  known.appPath = known.app == nullptr ? executable : known.app->path;
+  known.app = appOf(pid, *apps_, known.executable);
+  known.isOfAppItself = false;
+  if (known.app != nullptr) {
+    const bool isConfined = known.app->origin == AppOrigin::flatpak || known.app->origin == AppOrigin::snap;
+    const Descriptor stat = openFile(processes_, pid, "stat");
+    known.isOfAppItself =
+        stat && userOf(pid, stat) == ::geteuid() && (isConfined || apps_->appOf({}, known.executable) == known.app);
+  }
 }
 
 const RegisteredApp* LinuxProcessReader::appOf(std::int32_t pid, const AppAttribution& apps,

@@ -57,9 +57,10 @@ class LinuxProcessReader final : public ProcessReader {
     std::uint64_t virtualBytes = 0;
     std::uint64_t residentPages = 0;
     std::uint64_t footprintBytes = 0;
-    std::string appPath{};
+    std::string executable{};
     const RegisteredApp* app = nullptr;
-    bool isSeen = false;  ///< in the sample that is being taken
+    bool isOfAppItself = false;  ///< runs the app's program for this person, not just something that was started in it
+    bool isSeen = false;         ///< in the sample that is being taken
 
     std::size_t openDescriptors() const { return (stat ? 1U : 0U) + (status ? 1U : 0U); }
   };
