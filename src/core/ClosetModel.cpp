@@ -131,17 +131,13 @@ ClosetModel::ClosetModel(const StorageScanResult& result, const VolumeSnapshot& 
       index_(result.index),
       children_(&index_->children(result)),
       homes_(parentPath(gate.home())) {
-  std::int64_t measured = 0;
-  for (const auto& [category, bytes] : categoryTotals) {
-    measured = saturatedSum(measured, bytes);
-  }
   foldersByCategory = foldersOf(*children_);
   cabinet = categoryNode(StorageCategory::system, std::string(wordsOf(StorageCategory::system).title),
                          total(StorageCategory::system));
   floor = categoryNode(StorageCategory::caches, "Caches on the floor", total(StorageCategory::caches));
   sealed = {.id = "unmeasured",
             .title = "System Data",
-            .bytes = std::max<std::int64_t>(0, usedBytes - measured),
+            .bytes = std::max<std::int64_t>(0, usedBytes - result.totalBytes),
             .category = StorageCategory::system,
             .source = Source::unmeasured};
   hangApps();

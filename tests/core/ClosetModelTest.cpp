@@ -16,8 +16,13 @@ using Folders = std::vector<FolderByteTotals::Folder>;
 const VolumeSnapshot volume{.name = "Disk", .totalBytes = 10'000, .availableBytes = 4'000};
 
 StorageScanResult scanOf(CategoryTotals totals, Folders folders, std::vector<FileEntry> entries = {}) {
+  std::int64_t measured = 0;
+  for (const auto& [category, bytes] : totals) {
+    measured += bytes;
+  }
   return {.root = {.path = "/", .isFolder = true},
           .scannedAt = {},
+          .totalBytes = measured,
           .inaccessiblePaths = {},
           .entries = std::move(entries),
           .categoryByteTotals = std::move(totals),
@@ -99,6 +104,14 @@ TEST_F(Closet, KeepsTheSystemTheCachesAndTheUnmeasuredApart) {
   EXPECT_EQ(closet.floor.verdict(home.gate), AppDataVerdict::safe);
   EXPECT_EQ(titlesOf(closet.drawerRoot()), (Titles{"Temporary files 300", "macOS & app support 700"}));
   EXPECT_NE(closet.revisionID, model(scanOf({}, {})).revisionID);
+}
+
+TEST_F(Closet, SealsOnlyWhatTheScanDidNotMeasure) {
+  StorageScanResult scan = scanOf({{StorageCategory::caches, 1000}}, {{"/", 1000}}, {fileEntry("/home/anna/x", 10)});
+  scan.categoryByteTotals.reset();
+  EXPECT_EQ(model(scan).sealed.bytes, 5'000) << "small files were measured even where no kind of theirs is known";
+  scan.totalBytes = 7'000;
+  EXPECT_EQ(model(scan).sealed.bytes, 0);
 }
 
 TEST_F(Closet, OpensFoldersAndKinds) {
