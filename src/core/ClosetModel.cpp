@@ -261,7 +261,8 @@ std::vector<ClosetNode> ClosetModel::children(const ClosetNode& node, std::size_
   for (const ClosetNode& child : shown) {
     rest = saturatedSum(rest, -child.bytes);
   }
-  if (node.source == Source::folder && rest > 0) {
+  const bool opens = node.source == Source::folder || node.source == Source::category;
+  if (opens && rest > 0) {
     shown.push_back({.id = node.id + "#rest",
                      .title = "Smaller items",
                      .bytes = rest,

@@ -117,12 +117,13 @@ TEST_F(Closet, SealsOnlyWhatTheScanDidNotMeasure) {
 TEST_F(Closet, OpensFoldersAndKinds) {
   const std::string cache = "/home/anna/.cache";
   const auto closet =
-      model(scanOf({{StorageCategory::caches, 100}}, {{cache, 100}, {cache + "/pip", 60}, {cache + "/yarn", 30}},
+      model(scanOf({{StorageCategory::caches, 120}}, {{cache, 100}, {cache + "/pip", 60}, {cache + "/yarn", 30}},
                    {fileEntry(cache + "/pip/big", 50)}));
   const ClosetNode& floor = closet.floor;
   ASSERT_TRUE(closet.canOpen(floor));
   const auto folders = closet.children(floor, 9);
-  EXPECT_EQ(titlesOf(folders), Titles{".cache 100"});
+  EXPECT_EQ(titlesOf(folders), (Titles{".cache 100", "Smaller items 20"}));
+  EXPECT_EQ(folders[1].id, "category-Caches#rest");
   const auto tools = closet.children(folders[0], 1);
   EXPECT_EQ(titlesOf(tools), (Titles{"pip 60", "Smaller items 40"}));
   EXPECT_EQ(tools[1].id, cache + "#rest");
