@@ -43,35 +43,51 @@ ClosetNode categoryNode(StorageCategory category, std::string title, std::int64_
           .source = Source::category};
 }
 
-bool isLarger(const StorageNode* one, const StorageNode* other) {
-  return one->byteCount != other->byteCount ? one->byteCount > other->byteCount : one->path < other->path;
+/// The size stands beside the folder: sorting by it then reads few folders, which lie all over the memory.
+using SizedFolders = std::vector<std::pair<std::int64_t, const StorageNode*>>;
+
+ClosetModel::Folders largestFirst(SizedFolders sized) {
+  std::ranges::sort(sized, [](const auto& one, const auto& other) {
+    return one.first != other.first ? one.first > other.first : one.second->path < other.second->path;
+  });
+  ClosetModel::Folders folders(sized.size());
+  std::ranges::transform(sized, folders.begin(), [](const auto& folder) { return folder.second; });
+  return folders;
 }
 
 std::map<StorageCategory, ClosetModel::Folders> foldersOf(const StorageIndex::Children& children) {
-  std::map<StorageCategory, ClosetModel::Folders> folders;
+  std::map<StorageCategory, SizedFolders> sized;
   for (const auto& [parent, nodes] : children) {
+    std::optional<CategoryMarks> around;
     for (const StorageNode& node : nodes) {
       if (node.isFolder()) {
-        folders[StorageScanner::category(node.path)].push_back(&node);
+        around = around ? around : CategoryMarks::of(parent);
+        CategoryMarks marks = *around;
+        marks.add(node.name);
+        sized[marks.category(node.name)].emplace_back(node.byteCount, &node);
       }
     }
   }
-  for (auto& [category, list] : folders) {
-    std::ranges::sort(list, isLarger);
+  std::map<StorageCategory, ClosetModel::Folders> folders;
+  for (auto& [category, list] : sized) {
+    folders[category] = largestFirst(std::move(list));
   }
   return folders;
 }
 
 std::vector<ClosetNode> quickWinsIn(const std::map<StorageCategory, ClosetModel::Folders>& folders,
                                     const StorageTrashGate& gate, std::string_view homes) {
-  ClosetModel::Folders regenerable;
+  SizedFolders regenerable;
   for (const auto& [category, list] : folders) {
-    std::ranges::copy_if(list, std::back_inserter(regenerable),
-                         [&](const StorageNode* node) { return gate.isRegenerableRoot(node->path); });
+    for (const StorageNode* const node : list) {
+      if (gate.isRegenerableRoot(node->path)) {
+        regenerable.emplace_back(node->byteCount, node);
+      }
+    }
   }
-  std::ranges::sort(regenerable, isLarger);
   std::vector<ClosetNode> wins;
-  for (const StorageNode* const node : ClosetModel::rootFolders(regenerable, shownQuickWins, 0, homes)) {
+  for (const StorageNode* const node :
+       ClosetModel::rootFolders(largestFirst(std::move(regenerable)), shownQuickWins, 0, homes)) {
     wins.push_back(folderNode(*node, StorageScanner::category(node->path)));
   }
   return wins;
@@ -115,17 +131,13 @@ ClosetModel::ClosetModel(const StorageScanResult& result, const VolumeSnapshot& 
       index_(result.index),
       children_(&index_->children(result)),
       homes_(parentPath(gate.home())) {
-  std::int64_t measured = 0;
-  for (const auto& [category, bytes] : categoryTotals) {
-    measured = saturatedSum(measured, bytes);
-  }
   foldersByCategory = foldersOf(*children_);
   cabinet = categoryNode(StorageCategory::system, std::string(wordsOf(StorageCategory::system).title),
                          total(StorageCategory::system));
   floor = categoryNode(StorageCategory::caches, "Caches on the floor", total(StorageCategory::caches));
   sealed = {.id = "unmeasured",
             .title = "System Data",
-            .bytes = std::max<std::int64_t>(0, usedBytes - measured),
+            .bytes = std::max<std::int64_t>(0, usedBytes - result.totalBytes),
             .category = StorageCategory::system,
             .source = Source::unmeasured};
   hangApps();
@@ -143,7 +155,7 @@ void ClosetModel::hangApps() {
   std::size_t leftOut = 0;
   std::int64_t rest = total(StorageCategory::applications);
   const auto apps = children_->find(applicationsFolder);
-  for (const StorageNode& app : apps == children_->end() ? std::vector<StorageNode>() : apps->second) {
+  for (const StorageNode& app : apps == children_->end() ? std::span<const StorageNode>() : apps->second) {
     if (!app.name.ends_with(appSuffix)) {
       continue;
     }
@@ -194,7 +206,7 @@ ClosetModel::Folders ClosetModel::rootFolders(std::span<const StorageNode* const
                                               std::int64_t minimumBytes, std::string_view homes) {
   Folders roots;
   for (const StorageNode* const node : nodes) {
-    if (roots.size() == limit) {
+    if (roots.size() == limit || node->byteCount < minimumBytes) {
       break;
     }
     const std::string_view path = node->path;
@@ -203,7 +215,7 @@ ClosetModel::Folders ClosetModel::rootFolders(std::span<const StorageNode* const
     const auto overlaps = [&](const StorageNode* root) {
       return isSameOrInside(path, root->path) || isSameOrInside(root->path, path);
     };
-    if (node->byteCount >= minimumBytes && !isAtTheTop && std::ranges::none_of(roots, overlaps)) {
+    if (!isAtTheTop && std::ranges::none_of(roots, overlaps)) {
       roots.push_back(node);
     }
   }
@@ -249,7 +261,8 @@ std::vector<ClosetNode> ClosetModel::children(const ClosetNode& node, std::size_
   for (const ClosetNode& child : shown) {
     rest = saturatedSum(rest, -child.bytes);
   }
-  if (node.source == Source::folder && rest > 0) {
+  const bool opens = node.source == Source::folder || node.source == Source::category;
+  if (opens && rest > 0) {
     shown.push_back({.id = node.id + "#rest",
                      .title = "Smaller items",
                      .bytes = rest,

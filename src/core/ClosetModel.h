@@ -86,8 +86,8 @@ struct ClosetModel {
   /// A node for each category in which there is something.
   std::vector<ClosetNode> drawerRoot() const;
 
-  /// The first folders, none in another, that are neither a home nor at the top of the disk. `homes` is the folder in
-  /// which homes stand, beside "/Users".
+  /// The first of `nodes`, which come largest first: none in another, none a home or at the top of the disk. `homes` is
+  /// the folder in which homes stand, beside "/Users".
   static Folders rootFolders(std::span<const StorageNode* const> nodes, std::size_t limit, std::int64_t minimumBytes,
                              std::string_view homes);
   /// Lays nodes into rows of like length, in their order.

@@ -16,8 +16,13 @@ using Folders = std::vector<FolderByteTotals::Folder>;
 const VolumeSnapshot volume{.name = "Disk", .totalBytes = 10'000, .availableBytes = 4'000};
 
 StorageScanResult scanOf(CategoryTotals totals, Folders folders, std::vector<FileEntry> entries = {}) {
+  std::int64_t measured = 0;
+  for (const auto& [category, bytes] : totals) {
+    measured += bytes;
+  }
   return {.root = {.path = "/", .isFolder = true},
           .scannedAt = {},
+          .totalBytes = measured,
           .inaccessiblePaths = {},
           .entries = std::move(entries),
           .categoryByteTotals = std::move(totals),
@@ -101,15 +106,24 @@ TEST_F(Closet, KeepsTheSystemTheCachesAndTheUnmeasuredApart) {
   EXPECT_NE(closet.revisionID, model(scanOf({}, {})).revisionID);
 }
 
+TEST_F(Closet, SealsOnlyWhatTheScanDidNotMeasure) {
+  StorageScanResult scan = scanOf({{StorageCategory::caches, 1000}}, {{"/", 1000}}, {fileEntry("/home/anna/x", 10)});
+  scan.categoryByteTotals.reset();
+  EXPECT_EQ(model(scan).sealed.bytes, 5'000) << "small files were measured even where no kind of theirs is known";
+  scan.totalBytes = 7'000;
+  EXPECT_EQ(model(scan).sealed.bytes, 0);
+}
+
 TEST_F(Closet, OpensFoldersAndKinds) {
   const std::string cache = "/home/anna/.cache";
   const auto closet =
-      model(scanOf({{StorageCategory::caches, 100}}, {{cache, 100}, {cache + "/pip", 60}, {cache + "/yarn", 30}},
+      model(scanOf({{StorageCategory::caches, 120}}, {{cache, 100}, {cache + "/pip", 60}, {cache + "/yarn", 30}},
                    {fileEntry(cache + "/pip/big", 50)}));
   const ClosetNode& floor = closet.floor;
   ASSERT_TRUE(closet.canOpen(floor));
   const auto folders = closet.children(floor, 9);
-  EXPECT_EQ(titlesOf(folders), Titles{".cache 100"});
+  EXPECT_EQ(titlesOf(folders), (Titles{".cache 100", "Smaller items 20"}));
+  EXPECT_EQ(folders[1].id, "category-Caches#rest");
   const auto tools = closet.children(folders[0], 1);
   EXPECT_EQ(titlesOf(tools), (Titles{"pip 60", "Smaller items 40"}));
   EXPECT_EQ(tools[1].id, cache + "#rest");
