@@ -115,13 +115,14 @@ CleanupActs::PutBack CleanupActs::standing(const CleanupTransaction* before, con
 
 CleanupActs::Undone CleanupActs::undone(CleanupHistory& history, const UUID& transactionID,
                                         const std::function<std::optional<std::string>()>& act) const {
-  const Transactions before = history.cleanupTransactions();
+  const CleanupTransaction* const listed = find(history.cleanupTransactions(), transactionID);
+  const auto before = listed == nullptr ? std::nullopt : std::optional(*listed);
   auto failure = act();
   const Transactions& log = history.cleanupTransactions();
   const CleanupTransaction* const after = find(log, transactionID);
   Undone undone{.failure = std::move(failure),
                 .isSaved = history.isSaved(),
-                .putBack = standing(find(before, transactionID), after)};
+                .putBack = standing(before ? &*before : nullptr, after)};
   if (undone.isSaved) {
     undone.log = log;
   } else if (after != nullptr) {

@@ -235,7 +235,7 @@ class AppModel {
   Task<> loadDrive(FileURL url, UUID request);
   Task<> deriveFromScan();
   UUID newScanRequest();
-  void setStorageResult(Scan scan);
+  void setStorageResult(const Scan& scan);
   Job<bool> saveScan(Scan scan);
   std::optional<VolumeSnapshot> capture(const FileURL& url) const { return engine_->volumeMetrics.capture(url.path); }
   void refreshVolumeSnapshot() { volumeSnapshot.setIfChanged(capture(*selectedDrive)); }

@@ -102,7 +102,7 @@ Task<> AppModel::deriveFromScan() {
   co_await insights;
 }
 
-void AppModel::setStorageResult(Scan scan) {
+void AppModel::setStorageResult(const Scan& scan) {
   ++storageRevision_;
   if (wardrobeTask_) {
     wardrobeTask_->cancel();
