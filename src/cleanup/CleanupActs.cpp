@@ -36,11 +36,6 @@ Item itemOf(const CleanupOutcome& outcome, std::int64_t measuredBytes, std::stri
           .message = outcome.message};
 }
 
-CleanupOutcome cancelledMove(const FileURL& url) {
-  return {
-      .id = UUID::random(), .url = url, .trashURL = {}, .message = std::string(description(MoveRefusal::cancelled))};
-}
-
 const CleanupTransaction* find(const Transactions& log, const UUID& id) {
   const auto found = std::ranges::find(log, id, &CleanupTransaction::id);
   return found == log.end() ? nullptr : &*found;
@@ -70,14 +65,10 @@ CleanupActs::Done CleanupActs::clean(std::span<const CleanupCandidate> candidate
   CleanupTransaction transaction = newTransaction(CleanupTransaction::Source::buildCleanup);
   CleanupJournal journal(tools_.files, tools_.store.support());
   const CleanupCoordinator coordinator(tools_.reader, tools_.trash, tools_.places);
-  std::vector<CleanupOutcome> outcomes;
-  for (const CleanupCandidate& candidate : candidates) {
-    outcomes.push_back(stop.stop_requested() ? cancelledMove(candidate.url)
-                                             : coordinator.moveToTrash(candidate, transaction.id, journal));
-    transaction.items.push_back(itemOf(outcomes.back(), candidate.byteCount, developerRuleID(candidate.url)));
-  }
-  if (std::ranges::any_of(outcomes, &CleanupOutcome::success)) {
-    tools_.trash.writeSizes();
+  auto outcomes = coordinator.moveToTrash(candidates, transaction.id, journal, stop);
+  for (std::size_t index = 0; index < outcomes.size(); ++index) {
+    const CleanupCandidate& candidate = candidates[index];
+    transaction.items.push_back(itemOf(outcomes[index], candidate.byteCount, developerRuleID(candidate.url)));
   }
   return finish(std::move(outcomes), std::move(transaction), journal);
 }

@@ -93,10 +93,16 @@ CleanupOutcome CleanupCoordinator::moveToTrash(const CleanupCandidate& candidate
 }
 
 std::vector<CleanupOutcome> CleanupCoordinator::moveToTrash(std::span<const CleanupCandidate> candidates,
-                                                            const UUID& transactionID, CleanupJournal& journal) const {
+                                                            const UUID& transactionID, CleanupJournal& journal,
+                                                            const std::stop_token& stop) const {
   std::vector<CleanupOutcome> outcomes;
   for (const CleanupCandidate& candidate : candidates) {
-    outcomes.push_back(moveToTrash(candidate, transactionID, journal));
+    outcomes.push_back(stop.stop_requested()
+                           ? CleanupOutcome{.id = UUID::random(),
+                                            .url = candidate.url,
+                                            .trashURL = {},
+                                            .message = std::string(description(MoveRefusal::cancelled))}
+                           : moveToTrash(candidate, transactionID, journal));
   }
   if (std::ranges::any_of(outcomes, &CleanupOutcome::success)) {
     trash_.writeSizes();

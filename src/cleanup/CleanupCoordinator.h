@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <expected>
 #include <span>
+#include <stop_token>
 #include <string>
 #include <vector>
 
@@ -37,9 +38,10 @@ class CleanupCoordinator {
   CleanupOutcome moveToTrash(const CleanupCandidate& candidate, const UUID& transactionID,
                              CleanupJournal& journal) const;
 
-  /// The same for each in order, exactly one outcome a candidate; a refusal stops nothing.
+  /// The same for each in order, exactly one outcome a candidate; a refusal stops nothing. After a stop request the
+  /// rest stays, each with an outcome that says so.
   std::vector<CleanupOutcome> moveToTrash(std::span<const CleanupCandidate> candidates, const UUID& transactionID,
-                                          CleanupJournal& journal) const;
+                                          CleanupJournal& journal, const std::stop_token& stop = {}) const;
 
   /// The candidates that are still folders, with fresh sizes and identities.
   std::vector<CleanupCandidate> remeasure(std::span<const CleanupCandidate> candidates) const;

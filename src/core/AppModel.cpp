@@ -3,7 +3,6 @@
 #include <chrono>
 #include <utility>
 
-#include "base/CheckedSum.h"
 #include "cleanup/CleanupRecovery.h"
 #include "storage/DiskSampleStore.h"
 
@@ -64,8 +63,8 @@ Task<> AppModel::runElsewhere(std::function<bool()> work, std::function<void(boo
 }
 
 void AppModel::writeSetting(const std::string& key, const std::string& value) {
-  settingWritten_ = scheduler_.start(Lane::store, [engine = engine_, key, value](const std::stop_token&) {
-    return engine->platform.defaults->setString(key, value).has_value();
+  scheduler_.run(Lane::store, [engine = engine_, key, value] {
+    static_cast<void>(engine->platform.defaults->setString(key, value));
   });
 }
 
@@ -143,12 +142,7 @@ void AppModel::browseStorage(const std::string& target) {
 }
 
 void AppModel::openTrash() {
-  run(runElsewhere(
-      [engine = engine_] {
-        engine->platform.desktop->showTrash();
-        return true;
-      },
-      [](bool) {}));
+  scheduler_.run(Lane::interactive, [engine = engine_] { engine->platform.desktop->showTrash(); });
 }
 
 }  // namespace lumenary

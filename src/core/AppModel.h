@@ -229,6 +229,10 @@ class AppModel {
   void writeSetting(const std::string& key, const std::string& value);
 
   // Scans and drives.
+  /// Publishes what the task derives from the scan, unless another scan came meanwhile.
+  template <class Model>
+  Task<> publishDerived(std::optional<Job<std::shared_ptr<const Model>>>& task,
+                        Field<std::shared_ptr<const Model>>& field, std::uint64_t revision);
   Job<Scan> loadScan(const std::string& root);
   Task<> scan(FileURL url, UUID request, std::stop_source stop);
   Task<> recordScan(Scan scan);
@@ -304,7 +308,7 @@ class AppModel {
   Platform& platform_;
   Scheduler& scheduler_;
   std::shared_ptr<AppEngine> engine_;
-  std::shared_ptr<const StorageTrashGate> gate_;  ///< made afresh when drives change; jobs keep theirs
+  std::shared_ptr<const StorageTrashGate> gate_;  ///< made afresh when drives change; jobs keep theirs with the engine
   SystemMetricsService metrics_;
   MemoryOptimizer optimizer_;
 
@@ -315,9 +319,6 @@ class AppModel {
   std::optional<Job<std::shared_ptr<const ClosetModel>>> closetTask_;
   std::optional<Job<Insights>> insightsTask_;
   std::optional<Job<AppInventory>> appsTask_;
-  std::optional<Job<bool>> warming_;     ///< the tree of the scan is being made
-  std::optional<Job<bool>> savedPatch_;  ///< the last that was started
-  std::optional<Job<bool>> settingWritten_;
   std::size_t lastUsedMeasurements_ = 0;
   /// Of several that run at once the one that was asked for last is shown.
   std::uint64_t trashRequest_ = 0;

@@ -126,7 +126,7 @@ Task<> AppModel::patchScan(std::vector<RemovedItem> removed) {
     if (revision == storageRevision_) {
       setStorageResult(patched);
       refreshVolumeSnapshot();
-      savedPatch_ = saveScan(patched);
+      scheduler_.run(Lane::store, [engine = engine_, patched] { static_cast<void>(engine->store.save(*patched)); });
       co_return;
     }
   }

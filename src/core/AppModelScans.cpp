@@ -104,32 +104,42 @@ Task<> AppModel::deriveFromScan() {
 
 void AppModel::setStorageResult(const Scan& scan) {
   ++storageRevision_;
-  if (wardrobeTask_) {
-    wardrobeTask_->cancel();
-  }
-  if (closetTask_) {
-    closetTask_->cancel();
-  }
-  if (insightsTask_) {
-    insightsTask_->cancel();
-  }
-  wardrobeTask_.reset();
-  closetTask_.reset();
-  insightsTask_.reset();
+  const auto end = [](auto& task) {
+    if (task) {
+      task->cancel();
+      task.reset();
+    }
+  };
+  end(wardrobeTask_);
+  end(closetTask_);
+  end(insightsTask_);
   // All of it is as it should be before anybody is told.
   const bool hadModels = *wardrobeSnapshot || *closetModel;
   wardrobeSnapshot.assign(nullptr);
   closetModel.assign(nullptr);
   storageResult.assign(scan);
   if (scan) {
-    warming_ = scheduler_.start(Lane::utility,
-                                [scan](const std::stop_token&) { return !scan->children(scan->root.path).empty(); });
+    scheduler_.run(Lane::utility, [scan] { scan->children(scan->root.path); });
   }
   if (hadModels) {
     wardrobeSnapshot.tell();
     closetModel.tell();
   }
   storageResult.tell();
+}
+
+template <class Model>
+Task<> AppModel::publishDerived(std::optional<Job<std::shared_ptr<const Model>>>& task,
+                                Field<std::shared_ptr<const Model>>& field, std::uint64_t revision) {
+  if (!task) {
+    co_return;
+  }
+  const auto job = *task;
+  const auto derived = co_await job;
+  if (revision == storageRevision_) {
+    field.setIfChanged(derived);
+    task.reset();
+  }
 }
 
 Task<> AppModel::prepareStorageModels(bool includeCloset) {
@@ -149,23 +159,9 @@ Task<> AppModel::prepareStorageModels(bool includeCloset) {
   if (includeCloset && !*closetModel && !closetTask_) {
     closetTask_ = derive(std::type_identity<ClosetModel>());
   }
-  if (wardrobeTask_) {
-    const auto task = *wardrobeTask_;
-    const auto snapshot = co_await task;
-    if (revision != storageRevision_) {
-      co_return;
-    }
-    wardrobeSnapshot.setIfChanged(snapshot);
-    wardrobeTask_.reset();
-  }
-  if (closetTask_) {
-    const auto task = *closetTask_;
-    const auto closet = co_await task;
-    if (revision != storageRevision_) {
-      co_return;
-    }
-    closetModel.setIfChanged(closet);
-    closetTask_.reset();
+  co_await publishDerived(wardrobeTask_, wardrobeSnapshot, revision);
+  if (revision == storageRevision_) {
+    co_await publishDerived(closetTask_, closetModel, revision);
   }
 }
 

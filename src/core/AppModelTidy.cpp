@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "base/AppFormatting.h"
-#include "base/Path.h"
 #include "core/AppModel.h"
 
 // The tidy: the plan carried out, by a person's press or by itself.

@@ -22,9 +22,6 @@ constexpr std::string_view applicationsFolder = "/Applications";
 constexpr std::string_view appSuffix = ".app";
 constexpr std::string_view startupRoot = "/";
 constexpr std::array shelved = {StorageCategory::developer, StorageCategory::personal, StorageCategory::unclassified};
-constexpr std::array allCategories = {StorageCategory::applications, StorageCategory::developer,
-                                      StorageCategory::personal,     StorageCategory::caches,
-                                      StorageCategory::system,       StorageCategory::unclassified};
 
 ClosetNode folderNode(const StorageNode& node, StorageCategory category) {
   return {.id = node.path,
@@ -274,7 +271,7 @@ std::vector<ClosetNode> ClosetModel::children(const ClosetNode& node, std::size_
 
 std::vector<ClosetNode> ClosetModel::drawerRoot() const {
   std::vector<ClosetNode> nodes;
-  for (const StorageCategory category : allCategories) {
+  for (const StorageCategory category : allStorageCategories) {
     if (const std::int64_t bytes = total(category); bytes > 0) {
       nodes.push_back(categoryNode(category, std::string(wordsOf(category).title), bytes));
     }

@@ -9,9 +9,6 @@ namespace lumenary {
 namespace {
 
 constexpr std::size_t shownEntries = 8;
-constexpr std::array allCategories = {StorageCategory::applications, StorageCategory::developer,
-                                      StorageCategory::personal,     StorageCategory::caches,
-                                      StorageCategory::system,       StorageCategory::unclassified};
 
 double share(std::int64_t part, std::int64_t whole) {
   return whole < 1 ? 0 : static_cast<double>(part) / static_cast<double>(whole);
@@ -56,7 +53,7 @@ WardrobeSnapshot::WardrobeSnapshot(const StorageScanResult& result, const Volume
       inaccessibleCount(result.inaccessiblePaths.size()),
       isCompleteScan(result.inaccessiblePaths.empty()) {
   const CategoryTotals totals = result.categoryTotals();
-  for (const StorageCategory category : allCategories) {
+  for (const StorageCategory category : allStorageCategories) {
     const auto total = totals.find(category);
     const CategoryWords words = wordsOf(category);
     compartments.push_back({.kind = WardrobeCompartment::Kind::category,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -8,6 +9,9 @@
 namespace lumenary {
 
 enum class StorageCategory : std::uint8_t { applications, developer, personal, caches, system, unclassified };
+inline constexpr std::array allStorageCategories = {StorageCategory::applications, StorageCategory::developer,
+                                                    StorageCategory::personal,     StorageCategory::caches,
+                                                    StorageCategory::system,       StorageCategory::unclassified};
 
 /// Bytes by category; a category of which nothing was seen is absent.
 using CategoryTotals = std::map<StorageCategory, std::int64_t>;

@@ -73,6 +73,14 @@ class FakeMountTable final : public MountTable {
   SystemResult<std::vector<Mount>> mounts() const override { return std::vector<Mount>(); }
 };
 
+template <class Fake, class Seam>
+Fake& put(std::unique_ptr<Seam>& place) {
+  auto fake = std::make_unique<Fake>();
+  Fake& reference = *fake;
+  place = std::move(fake);
+  return reference;
+}
+
 /// A platform that only reads the real disk: everything else is recorded and obeys the test.
 struct FakePlatform {
   FakePlatform(Places places, Date now) {
@@ -88,15 +96,6 @@ struct FakePlatform {
   FakeDefaults& defaults = put<FakeDefaults>(platform.defaults);
   FakeTerminal& terminal = put<FakeTerminal>(platform.terminal);
   FakeInterruption& interruption = put<FakeInterruption>(platform.interruption);
-
- private:
-  template <class Fake, class Seam>
-  static Fake& put(std::unique_ptr<Seam>& place) {
-    auto fake = std::make_unique<Fake>();
-    Fake& reference = *fake;
-    place = std::move(fake);
-    return reference;
-  }
 };
 
 }  // namespace lumenary

@@ -16,6 +16,7 @@
 #include "platform/linux/LinuxMountTable.h"
 #include "platform/linux/LinuxTrash.h"
 #include "platform/linux/LinuxTrashBin.h"
+#include "support/FakePlatform.h"
 #include "support/FakeProcesses.h"
 #include "support/FakeTools.h"
 #include "support/FaultKernel.h"
@@ -195,13 +196,6 @@ struct ModelHome {
   std::unique_ptr<AppModel> model;
 
  private:
-  template <class Fake, class Seam>
-  static Fake& put(std::unique_ptr<Seam>& place) {
-    auto fake = std::make_unique<Fake>();
-    Fake& reference = *fake;
-    place = std::move(fake);
-    return reference;
-  }
   template <class Value>
   static Task<> keep(Task<Value> task, std::optional<Value>& value) {
     value = co_await task;

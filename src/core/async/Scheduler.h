@@ -29,6 +29,9 @@ class Scheduler {
     return Job<Value>(std::move(state));
   }
 
+  /// Work whose answer nobody waits for.
+  void run(Lane lane, Workers::Work work) { workers_.run(lane, std::move(work)); }
+
   /// Makes a shared value that a worker takes apart when the last one lets go of it: for what is so large that this
   /// would hold the owner up. The function may be used on any thread; after the scheduler is gone, whoever lets go does
   /// it.
