@@ -128,7 +128,29 @@ std::vector<CleanSelection::Item> CleanSelection::items() const {
 CleanSelection CleanSelection::excluding(const Titles& keys) const {
   CleanSelection rest = *this;
   std::erase_if(rest.candidates, [&](const CleanupCandidate& candidate) { return keys.contains(pathKey(candidate)); });
-  std::erase_if(rest.tidyGroups, [&](const TidyGroup& group) { return keys.contains(tidyKey(group)); });
+  std::erase_if(rest.tidyGroups, [&](const TidyGroup& group) {
+    const bool isLeftOut = keys.contains(tidyKey(group));
+    if (isLeftOut) {
+      rest.skippedTidyTitles.insert(group.title);
+    }
+    return isLeftOut;
+  });
+  return rest;
+}
+
+CleanSelection CleanSelection::chosen(const Choice& choice) const {
+  Titles left = choice.unticked;
+  for (const Item& row : items()) {
+    if (choice.shown && !choice.shown->contains(row.id)) {
+      left.insert(row.id);
+    }
+  }
+  CleanSelection rest = excluding(left);
+  for (const std::string& title : choice.ticked) {
+    if (!std::ranges::binary_search(busyTitles, title)) {
+      rest.skippedTidyTitles.erase(title);
+    }
+  }
   return rest;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <set>
 #include <span>
 #include <string>
@@ -41,7 +42,7 @@ struct CleanSelection {
 
   std::vector<CleanupCandidate> candidates;  ///< build folders
   std::vector<TidyGroup> tidyGroups;         ///< largest first
-  Titles skippedTidyTitles;                  ///< held back: to be looked at first, or in use
+  Titles skippedTidyTitles;                  ///< held back: to be looked at first, in use, or left out by the person
   std::vector<std::string> busyTitles;       ///< those that a running tool holds back, sorted
 
   /// `plan` may be null. `lastUsed` tells when the project around a candidate changed; `busy` are titles in use;
@@ -61,7 +62,16 @@ struct CleanSelection {
   /// The groups, then the candidates.
   std::vector<Item> items() const;
 
-  /// Without the rows of these ids.
+  /// What a person made of the proposal.
+  struct Choice {
+    Titles unticked{};  ///< ids of rows
+    /// The ids of the rows they saw: what has come since stays. None for all.
+    std::optional<Titles> shown{};
+    Titles ticked{};  ///< titles of groups that were held back to be looked at, and were
+  };
+  CleanSelection chosen(const Choice& choice) const;
+
+  /// Without the rows of these ids; a group among them is held back.
   CleanSelection excluding(const Titles& keys) const;
 };
 

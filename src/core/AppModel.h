@@ -19,6 +19,9 @@
 #include "cleanup/DeveloperProject.h"
 #include "cleanup/DeveloperScanner.h"
 #include "cleanup/DuplicateGroup.h"
+#include "cleanup/ItemEvidence.h"
+#include "cleanup/LookFirstGroup.h"
+#include "cleanup/StorageSafety.h"
 #include "cleanup/StorageTrashGate.h"
 #include "cleanup/TidyPlan.h"
 #include "cleanup/TidyPlanner.h"
@@ -127,8 +130,29 @@ class AppModel {
   /// Runs a flow that nobody awaits; it ends with the model.
   void run(Task<> task) { tasks_.spawn(std::move(task)); }
 
+  // What is known of single things.
+
+  struct Explanation {
+    ItemEvidence evidence;
+    StorageSafety safety;
+    std::string removal;                   ///< what it would do, one sentence
+    std::optional<std::string> betterWay;  ///< to get the space, where one is known
+    bool canTrash = false;
+  };
+  Task<Explanation> explain(StorageNode node, std::stop_source stop = std::stop_source());
+  /// Folders about which a person should decide.
+  Task<std::vector<LookFirstGroup>> lookFirstGroups();
+  /// At most `limit` things of the scan whose name or path fits; see `StorageScanResult::search`. Empty after a stop.
+  Task<std::vector<StorageNode>> searchScan(std::string query, std::size_t limit, std::stop_source stop);
+  /// Shows a file in the file manager.
+  void reveal(const std::string& path);
+  /// Writes the report to a file as a whole or not at all.
+  Task<> exportDiagnostics(std::string path);
+
   // Scans and drives.
 
+  /// Once it has ended, the folders of the scan are found without a wait.
+  Task<> indexScan();
   void scanStorage(const FileURL& url);
   void cancelStorageScan();
   void selectDrive(const FileURL& url);
@@ -170,6 +194,7 @@ class AppModel {
                           std::vector<CleanupCandidate> candidates);
   CleanSelection suggestedClear() const;
   Task<std::size_t> clearSuggested(CleanSelection::Titles excluding);
+  Task<std::size_t> clearChosen(CleanSelection::Choice choice);
   /// Without installers and build files; none where nothing is left.
   std::optional<TidyPlan> safeTidyPlan() const;
   Task<> refreshBusyTools();
@@ -199,6 +224,7 @@ class AppModel {
   void finishBrowsing() { storageBrowseRequest.setIfChanged(std::nullopt); }
   void chooseCrates(std::set<std::string> titles) { chosenCrates.setIfChanged(std::move(titles)); }
   void focusCrates(CrateFocus focus) { crateFocus.setIfChanged(focus); }
+  void rememberRoom(AppDestination room);
   void dismissRemovedAppsNotice() { removedAppsNotice.setIfChanged(std::nullopt); }
 
   /// Shows a line on the small surface; false where that isn't visible. A surface sets it.
@@ -297,6 +323,7 @@ class AppModel {
     read,     ///< as it was found
   };
   static LogState written(bool isSaved) { return isSaved ? LogState::written : LogState::unsaved; }
+  void dropEmptyOffer();
   void publishLog(std::vector<CleanupTransaction> log, LogState state);
   void publishDone(CleanupActs::Done done, Records& records);
   Task<> reloadLog();

@@ -205,18 +205,31 @@ CleanSelection AppModel::suggestedClear() const {
 }
 
 Task<std::size_t> AppModel::clearSuggested(CleanSelection::Titles excluding) {
+  co_return co_await clearChosen({.unticked = std::move(excluding)});
+}
+
+Task<std::size_t> AppModel::clearChosen(CleanSelection::Choice choice) {
+  // What was chosen was chosen of this scan's plan: of another one nothing may go.
+  const std::uint64_t revision = storageRevision_;
+  const auto isSamePlan = [&] { return revision == storageRevision_ && (choice.ticked.empty() || *tidyPlan); };
   co_await refreshBusyTools();
-  CleanSelection selection = suggestedClear().excluding(excluding);
+  if (!isSamePlan()) {
+    co_return 0;
+  }
+  CleanSelection selection = suggestedClear().chosen(choice);
   if (!selection.candidates.empty()) {
     std::set<std::string> paths;
     for (const CleanupCandidate& candidate : selection.candidates) {
       paths.insert(candidate.url.path);
     }
     co_await remeasureCleanupCandidates(std::move(paths));
-    selection = suggestedClear().excluding(excluding);
+    if (!isSamePlan()) {
+      co_return 0;
+    }
+    selection = suggestedClear().chosen(choice);
   }
-  co_return co_await clear(!selection.tidyGroups.empty(), std::move(selection.skippedTidyTitles), {},
-                           std::move(selection.candidates));
+  co_return co_await clear(!selection.tidyGroups.empty() || !choice.ticked.empty(),
+                           std::move(selection.skippedTidyTitles), {}, std::move(selection.candidates));
 }
 
 Task<> AppModel::refreshBusyTools() {

@@ -2,6 +2,7 @@
 
 #include "base/CheckedSum.h"
 #include "base/Path.h"
+#include "cleanup/ItemPresentation.h"
 #include "core/AppModel.h"
 #include "core/DiagnosticsReport.h"
 
@@ -71,6 +72,66 @@ RoomInputs AppModel::roomInputs() const {
     }
   }
   return inputs;
+}
+
+Task<AppModel::Explanation> AppModel::explain(StorageNode node, std::stop_source stop) {
+  co_return co_await scheduler_.start(
+      Lane::interactive,
+      [engine = engine_, gate = gate_, node = std::move(node), date = now()](const std::stop_token& token) {
+        if (token.stop_requested()) {
+          return Explanation();  // another thing was chosen before its turn came
+        }
+        const Platform& platform = engine->platform;
+        const FileEntry entry = node.asEntry();
+        const bool canTrash = gate->canMoveToTrash(entry);
+        const std::string path = node.path;
+        const CleanupCatalog::Rule* const rule = engine->catalog.match(path, engine->places.home);
+        return Explanation{.evidence = ItemEvidence::gather({.reader = *platform.reader,
+                                                             .apps = *platform.apps,
+                                                             .catalog = engine->catalog,
+                                                             .metadata = *platform.metadata,
+                                                             .places = engine->places},
+                                                            std::span(&path, 1), node.byteCount, canTrash, date),
+                           .safety = StorageSafety::classify(
+                               node, engine->places.home, engine->catalog,
+                               [&](const std::string& file) { return platform.reader->exists(file); },
+                               [&](const FileEntry& moved) { return gate->canMoveToTrash(moved); }),
+                           .removal = deletionImpact(entry, *gate),
+                           .betterWay = rule == nullptr ? std::nullopt : rule->betterWay,
+                           .canTrash = canTrash};
+      },
+      std::move(stop));
+}
+
+Task<std::vector<LookFirstGroup>> AppModel::lookFirstGroups() {
+  co_return co_await scheduler_.start(
+      Lane::interactive, [engine = engine_, scan = *storageResult](const std::stop_token&) {
+        return scan && scan->folderByteTotals
+                   ? LookFirstGroup::groups(*scan->folderByteTotals, engine->places.home, engine->catalog)
+                   : std::vector<LookFirstGroup>();
+      });
+}
+
+Task<std::vector<StorageNode>> AppModel::searchScan(std::string query, std::size_t limit, std::stop_source stop) {
+  co_return co_await scheduler_.start(
+      Lane::interactive,
+      [scan = *storageResult, query = std::move(query), limit](const std::stop_token& token) {
+        return scan ? scan->search(query, limit, token) : std::vector<StorageNode>();
+      },
+      std::move(stop));
+}
+
+void AppModel::reveal(const std::string& path) {
+  scheduler_.run(Lane::utility, [engine = engine_, path] { engine->platform.desktop->reveal(path); });
+}
+
+void AppModel::rememberRoom(AppDestination room) { writeSetting(settingsKey::lastRoom, std::string(rawValue(room))); }
+
+Task<> AppModel::exportDiagnostics(std::string path) {
+  co_await scheduler_.start(
+      Lane::interactive, [engine = engine_, path = std::move(path), text = diagnosticsText()](const std::stop_token&) {
+        return engine->platform.files->writeAtomically(path, text).has_value();
+      });
 }
 
 std::string AppModel::diagnosticsText() const {

@@ -166,21 +166,32 @@ Task<> AppModel::prepareStorageModels(bool includeCloset) {
 }
 
 /// Nothing follows from a mount that is no drive. A mount table that can't be read says nothing.
+Task<> AppModel::indexScan() {
+  co_await scheduler_.start(Lane::interactive, [scan = *storageResult](const std::stop_token&) {
+    return scan && !scan->children(scan->root.path).empty();
+  });
+}
+
 Task<> AppModel::drivesChanged() {
   struct Found {
     std::vector<DriveInfo> drives;
     std::shared_ptr<const StorageTrashGate> gate;
+    bool selectedStands = false;
   };
-  Found found = co_await scheduler_.start(Lane::watch, [engine = engine_](const std::stop_token&) {
-    return Found{.drives = engine->volumeMetrics.mountedDrives(), .gate = engine->makeGate()};
-  });
+  Found found =
+      co_await scheduler_.start(Lane::watch, [engine = engine_, path = selectedDrive->path](const std::stop_token&) {
+        return Found{.drives = engine->volumeMetrics.mountedDrives(),
+                     .gate = engine->makeGate(),
+                     .selectedStands = engine->platform.reader->exists(path)};
+      });
   gate_ = std::move(found.gate);
   if (found.drives.empty() || found.drives == *drives) {
     co_return;
   }
-  drives.set(std::move(found.drives));
   const auto isSelected = [&](const DriveInfo& drive) { return drive.url.path == selectedDrive->path; };
-  if (std::ranges::any_of(*drives, isSelected)) {
+  const bool isFolder = !std::ranges::any_of(*drives, isSelected);  // that a person chose in a drive's place
+  drives.set(std::move(found.drives));
+  if (std::ranges::any_of(*drives, isSelected) || (isFolder && found.selectedStands)) {
     refreshVolumeSnapshot();
   } else {
     selectDrive(macVolumeRoot);

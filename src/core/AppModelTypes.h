@@ -41,6 +41,7 @@ namespace settingsKey {
 inline constexpr auto autoTidy = "autoTidy";
 inline constexpr auto lastAutoTidy = "lastAutoTidy";
 inline constexpr auto codeFolder = "codeFolder";
+inline constexpr auto lastRoom = "lastRoom";
 }  // namespace settingsKey
 
 }  // namespace lumenary

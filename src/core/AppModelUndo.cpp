@@ -15,6 +15,16 @@ bool isUndoable(const Item& item) { return item.outcome == Item::Outcome::movedT
 
 }  // namespace
 
+/// Nothing of the offer is in the Trash any more: it was put back, or emptied by whomever.
+void AppModel::dropEmptyOffer() {
+  const auto& offered = *lastTrash;
+  const auto& log = *cleanupTransactions;
+  const auto act = offered ? std::ranges::find(log, offered->transactionID, &CleanupTransaction::id) : log.end();
+  if (act != log.end() && std::ranges::none_of(act->items, isUndoable)) {
+    lastTrash.set(std::nullopt);
+  }
+}
+
 void AppModel::publishLog(std::vector<CleanupTransaction> log, LogState state) {
   const auto put = [](std::vector<CleanupTransaction>& list, const CleanupTransaction& transaction) {
     const auto listed = std::ranges::find(list, transaction.id, &CleanupTransaction::id);
@@ -43,6 +53,7 @@ void AppModel::publishLog(std::vector<CleanupTransaction> log, LogState state) {
     put(log, unsaved);
   }
   cleanupTransactions.setIfChanged(std::move(log));
+  dropEmptyOffer();
 }
 
 void AppModel::publishDone(CleanupActs::Done done, Records& records) {

@@ -19,6 +19,7 @@ void PerfProbe::mark(std::string_view name) const {
   if (isOn) {
     const std::chrono::duration<double, std::milli> since = std::chrono::steady_clock::now() - launchedAt;
     std::printf("%.*s %.1f ms\n", static_cast<int>(name.size()), name.data(), since.count());
+    std::fflush(stdout);
   }
 }
 

@@ -78,7 +78,7 @@ StorageIndex::SearchItems buildSearchItems(const StorageIndex::Children& childre
 }  // namespace
 
 const StorageIndex::Children& StorageIndex::children(const StorageScanResult& result) {
-  const std::scoped_lock guard(lock_);
+  const std::scoped_lock guard(childrenLock_);
   if (!childrenByParent_) {
     childrenByParent_ = buildChildren(result);
   }
@@ -87,7 +87,7 @@ const StorageIndex::Children& StorageIndex::children(const StorageScanResult& re
 
 const StorageIndex::SearchItems& StorageIndex::searchItems(const StorageScanResult& result) {
   const Children& all = children(result);
-  const std::scoped_lock guard(lock_);
+  const std::scoped_lock guard(itemsLock_);
   if (!items_) {
     items_.emplace(buildSearchItems(all));
   }

@@ -47,8 +47,9 @@ class StorageIndex {
   const SearchItems& searchItems(const StorageScanResult& result);
 
  private:
-  std::mutex lock_;
+  std::mutex childrenLock_;
   std::optional<Children> childrenByParent_;
+  std::mutex itemsLock_;  ///< another one: who wants a folder doesn't wait for the names
   std::optional<SearchItems> items_;
 };
 

@@ -82,6 +82,17 @@ TEST(CleanSelection, FollowsUntickedGroups) {
   const TidyPlan plan({item("Yarn cache", 10), item("pip cache", 30)});
   const auto selection = CleanSelection::suggested(&plan, {}, {}, {}, {}, now).excluding({"tidy:pip cache"});
   EXPECT_EQ(titlesOf(selection), std::vector<std::string>{"Yarn cache"});
+  EXPECT_EQ(selection.skippedTidyTitles, Titles{"pip cache"}) << "what is carried out goes by the titles held back";
+  EXPECT_EQ(titlesOf(selection.chosen({.shown = Titles{"tidy:pip cache"}})), std::vector<std::string>());
+}
+
+TEST(CleanSelection, TakesWhatAPersonTickedAfterALookUnlessItIsInUse) {
+  const TidyPlan plan({item("Yarn cache", 10), item("Copies", 30, TidyItem::Kind::duplicate), item("pip cache", 5)});
+  const auto selection = CleanSelection::suggested(&plan, {}, {}, {"pip cache"}, {}, now);
+  ASSERT_EQ(selection.skippedTidyTitles, (Titles{"Copies", "pip cache"}));
+  EXPECT_EQ(selection.chosen({.ticked = {"Copies", "pip cache"}}).skippedTidyTitles, Titles{"pip cache"});
+  EXPECT_EQ(selection.chosen({.unticked = {"tidy:Yarn cache"}, .ticked = {"Copies"}}).skippedTidyTitles,
+            (Titles{"Yarn cache", "pip cache"}));
 }
 
 TEST(BusyTools, AreToldByTheProcessesThatRun) {

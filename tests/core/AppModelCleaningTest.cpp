@@ -215,6 +215,20 @@ TEST_F(AppModelCleaning, WhatIsInUseOrHasGoneIsNotTriedByOnePress) {
   EXPECT_FALSE(stands("code/app/dist") || stands(".cache/pip"));
 }
 
+TEST_F(AppModelCleaning, WhatAPersonUntickedOrHasNotSeenStaysAtOnePress) {
+  home.home.build({{".gradle/caches/x", 60 * mebibyte}});
+  home.scanHome();
+  const auto rows = model.suggestedClear().items();
+  ASSERT_EQ(rows.size(), 2U);
+  const auto pip = std::ranges::find(rows, home.at(".cache/pip"), [](const auto& row) { return row.paths.front(); });
+  ASSERT_NE(pip, rows.end());
+  EXPECT_EQ(home.await(model.clearChosen({.unticked = {pip->id}, .shown = CleanSelection::Titles{pip->id}})), 0U);
+  EXPECT_EQ(record(), Lines{});
+  EXPECT_EQ(home.await(model.clearSuggested({pip->id})), 0U);
+  EXPECT_TRUE(stands(".cache/pip"));
+  EXPECT_FALSE(stands(".gradle/caches"));
+}
+
 TEST_F(AppModelCleaning, EmptyingTheTrashIsWrittenDownAndCounted) {
   remove({"Documents/film.mkv"});
   model.refreshTrashSize();

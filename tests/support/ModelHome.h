@@ -65,6 +65,7 @@ struct NotingDesktop final : Desktop {
   void notify(const std::string& title, const std::string& body, const std::string& identifier) override {
     notes.push_back(identifier + ": " + title + " / " + body);
   }
+  void reveal(const std::string& path) override { notes.push_back("Reveal " + path); }
   void showTrash() override { notes.emplace_back("Trash"); }
 };
 
