@@ -3,4 +3,6 @@
 add_compile_options(
   -ffunction-sections -fdata-sections -fstack-protector-strong -ffile-prefix-map=${CMAKE_SOURCE_DIR}/=)
 add_compile_definitions(_FORTIFY_SOURCE=2 _GLIBCXX_ASSERTIONS)
-add_link_options(-static-libstdc++ -static-libgcc -Wl,--gc-sections -Wl,-z,relro -Wl,-z,now)
+# The desktop's module has the C++ library of its toolkit.
+add_link_options("$<$<NOT:$<STREQUAL:$<TARGET_PROPERTY:TYPE>,MODULE_LIBRARY>>:-static-libstdc++;-static-libgcc>"
+  -Wl,--gc-sections -Wl,-z,relro -Wl,-z,now)

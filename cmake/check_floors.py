@@ -9,6 +9,8 @@ import sys
 FLOORS = ["base", "platform", "storage", "cleanup", "cleanup/command", "monitoring", "apps", "core", "surfaces"]
 
 SYSTEM_FOLDERS = ("platform/linux/", "base/linux/")
+# The screens alone know the toolkit.
+SCREENS = ("surfaces/desktop/",)
 LIBRARIES = {
     "simdjson.h": ("base/JsonReader.cpp", "base/linux/"),
     "utf8proc.h": ("base/Unicode.cpp",),
@@ -44,6 +46,9 @@ def fault(path, kind, header):
             return "is not written as a path below src/"
         if FLOORS.index(floor) > FLOORS.index(floor_of(path)):
             return f"goes up from {floor_of(path)} to {floor}"
+    elif re.fullmatch(r"Q[A-Za-z]+", header):
+        if not path.startswith(SCREENS):
+            return f"belongs into {' or '.join(SCREENS)} alone"
     elif header in LIBRARIES:
         if not path.startswith(LIBRARIES[header]):
             return f"belongs into {' or '.join(LIBRARIES[header])} alone"

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "cleanup/command/CleanupCommand.h"
+#include "platform/DesktopModule.h"
 #include "platform/Platform.h"
 
 /// Which face this process has is told by its first argument alone, before anything else is made.
@@ -15,6 +16,10 @@ int main(int argumentCount, char** arguments) {
     // What the platform holds goes with the process: nothing is waited for.
     std::exit(lumenary::CleanupCommand::run(options, platform));
   }
-  std::fputs("The desktop face isn't in this build; the command is `Lumenary cleanup`.\n", stderr);
-  return 2;
+  const auto desktop = lumenary::openDesktopModule();
+  if (!desktop) {
+    std::fputs((desktop.error() + "\n").c_str(), stderr);
+    return 2;
+  }
+  return (*desktop)(argumentCount, arguments);
 }

@@ -26,7 +26,8 @@ class Executable : public testing::Test {
 };
 
 TEST_F(Executable, IsTheCommandByItsFirstArgumentAlone) {
-  const std::string desktop = "The desktop face isn't in this build; the command is `Lumenary cleanup`.\n";
+  const std::string desktop =
+      "There is no display here, so no window can open. `Lumenary cleanup` works without one.\n";
   struct {
     std::vector<std::string> arguments;
     std::string errors;

@@ -1,0 +1,7 @@
+import QtQuick
+
+Line {
+    font.pixelSize: Theme.headlineSize
+    font.weight: Font.DemiBold
+    Accessible.role: Accessible.Heading
+}

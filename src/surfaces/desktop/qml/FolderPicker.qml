@@ -1,0 +1,5 @@
+import QtQuick.Dialogs
+
+FolderDialog {
+    currentFolder: house.homeFolder
+}

@@ -1,0 +1,12 @@
+import QtQuick
+import Hearthkeep.DesignSystem
+
+// The room's headline sentence and its figure.
+Column {
+    property string title
+    property string text
+
+    spacing: 4
+    Line { width: parent.width; text: parent.title; font.pixelSize: Theme.titleSize; font.weight: Font.DemiBold; wrapMode: Text.Wrap; maximumLineCount: 2; Accessible.role: Accessible.Heading }
+    Line { width: parent.width; text: parent.text; isQuiet: true; visible: text !== ""; wrapMode: Text.WordWrap; maximumLineCount: 2 }
+}
