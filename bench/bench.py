@@ -11,6 +11,7 @@ sys.dont_write_bytecode = True
 
 import apps
 import cleanup
+import desktop
 import duplicates
 import gate
 import home
@@ -25,7 +26,7 @@ import store
 
 BENCHES = {"cleanup": cleanup.run, "scan": scan.run, "store": store.run, "search": search.run,
            "duplicates": duplicates.run, "plan": plan.run, "apps": apps.run, "live": live.run,
-           "model": model.run}
+           "model": model.run, "desktop": desktop.run}
 CHECKS = {"gate": gate.run, "home": home.run, "machine": machine.run}  # not a part of everything
 
 TOP = pathlib.Path(__file__).resolve().parent.parent
