@@ -119,7 +119,8 @@ def answers(programs, environment):
 def scans(programs, environment):
     tree = trees.tree(programs, "make_disk_tree", "home", "home")
     taken = tool(programs, environment, "scan", str(tree))
-    ratios = [window / engine for window, engine in zip(taken["window"], taken["engine"])]
+    # The first round warms up.
+    ratios = [window / engine for window, engine in zip(taken["window"][1:], taken["engine"][1:])]
     return [["a scan with the window open against the engine alone", spread(ratios, times), f"at most {SCAN_GOAL}",
              verdict(statistics.median(ratios) <= SCAN_GOAL)]]
 

@@ -55,5 +55,4 @@ Flickable {
     }
 
     ScrollMark { parent: scroller; list: scroller }
-    FocusFrame { parent: scroller; isOn: scroller.activeFocus && scroller.activeFocusOnTab; anchors.margins: 0; z: 2 }
 }

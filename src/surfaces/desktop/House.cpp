@@ -3,6 +3,8 @@
 #include <QDir>
 #include <algorithm>
 #include <array>
+#include <functional>
+#include <map>
 
 #include "base/Path.h"
 #include "surfaces/desktop/Text.h"
@@ -16,6 +18,7 @@ constexpr std::array rooms = {AppDestination::home, AppDestination::storage, App
                               AppDestination::apps, AppDestination::memory,  AppDestination::developer};
 constexpr std::array<const char*, 3> levelNames = {"calm", "attention", "action"};
 constexpr std::array<const char*, 6> iconNames = {"home", "disk", "broom", "apps", "memory", "ports"};
+const QStringList roomRoles = {"key", "number", "title", "icon", "level", "value", "headline", "badge", "action"};
 constexpr std::size_t recentActs = 5;
 
 std::size_t countOf(const CleanupTransaction& transaction, Outcome outcome) {
@@ -78,9 +81,11 @@ QString actState(const CleanupTransaction& transaction) {
 House::House(AppModel& model, AppDestination room)
     : Presenter(this, model),
       room_(room),
-      rooms_(new RowModel({"key", "number", "title", "icon", "level", "value", "headline", "badge", "action"}, this)),
+      rooms_(new RowModel(roomRoles, this)),
+      cards_(new RowModel(roomRoles, this)),
       acts_(new RowModel({"key", "title", "told", "canUndo"}, this)) {
   showList("rooms", rooms_);
+  showList("cards", cards_);
   showList("acts", acts_);
   show("homeFolder", QUrl::fromLocalFile(QDir::homePath()));
   show("room", static_cast<int>(room));
@@ -184,6 +189,7 @@ void House::refresh() {
 void House::showRooms() {
   const RoomInputs inputs = model().roomInputs();
   RowModel::Rows rows;
+  std::map<RoomLevel, RowModel::Rows, std::greater<>> byLevel;
   for (const AppDestination room : rooms) {
     const auto number = static_cast<std::size_t>(room);
     const RoomStatus status = RoomRules::status(room, inputs);
@@ -196,10 +202,18 @@ void House::showRooms() {
                     {"headline", shown(status.headline)},
                     {"badge", shown(status.badge.value_or(""))},
                     {"action", shown(status.actionTitle.value_or(""))}});
+    if (room != AppDestination::home) {
+      byLevel[status.level].push_back(rows.back());
+    }
+  }
+  RowModel::Rows cards;
+  for (const auto& [level, ofLevel] : byLevel) {
+    cards.insert(cards.end(), ofLevel.begin(), ofLevel.end());
   }
   show("headline", rows.front().value("headline"));
   show("value", rows.front().value("value"));
   rooms_->setRows(std::move(rows));
+  cards_->setRows(std::move(cards));
 }
 
 void House::showDisk() {

@@ -43,6 +43,7 @@ class House : public Presenter {
   bool isShown_ = false;
   std::optional<UUID> undoneOffer_;
   RowModel* rooms_;
+  RowModel* cards_;  ///< the same without the overview, the worst first
   RowModel* acts_;
 };
 

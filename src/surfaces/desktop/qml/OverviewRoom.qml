@@ -30,7 +30,7 @@ Scroller {
             width: parent.width
             spacing: 12
             Repeater {
-                model: house.rooms
+                model: house.cards
                 Card {
                     id: card
                     required property int number
@@ -41,7 +41,6 @@ Scroller {
                     required property string badge
                     required property string action
 
-                    visible: number > 0
                     width: content.width >= 760 ? (content.width - 24) / 3 : (content.width - 12) / 2
                     height: 168
                     border.color: level === "calm" ? Theme.line : Theme.toneColour(level)

@@ -31,6 +31,7 @@ FocusScope {
         id: head
         anchors { left: parent.left; right: actions.left; rightMargin: 16; top: parent.top }
         title: storage.capacity || "Storage"
+        isTrouble: !storage.isScanning && storage.error !== ""
         text: storage.isScanning ? storage.progressText : storage.error !== "" ? storage.error : storage.hasScan ? [storage.scanned, storage.unreadable].filter(t => t).join(" · ") : "Not scanned yet. Scan once to see what's taking space."
     }
     Row {
@@ -92,7 +93,7 @@ FocusScope {
     EmptyState {
         anchors.centerIn: parent
         visible: !storage.hasScan
-        text: storage.isScanning ? "Reading sizes, not contents. What is there already can be looked at meanwhile."
+        text: storage.isScanning ? "Reading sizes, not contents."
                                  : "A scan measures every folder without looking into your files."
         action: storage.isScanning ? "" : "Scan"
         onActed: storage.scan()
