@@ -7,6 +7,7 @@ Rectangle {
     property string text
     property string symbol
     property string kind: "quiet"
+    readonly property bool isHovered: area.containsMouse
     signal clicked
 
     readonly property color ink: kind === "quiet" ? Theme.text : Theme.accentText
@@ -29,9 +30,10 @@ Rectangle {
         if (enabled)
             clicked()
     }
-    Keys.onSpacePressed: press()
-    Keys.onReturnPressed: press()
-    Keys.onEnterPressed: press()
+    // A key that is held presses once.
+    Keys.onSpacePressed: event => { if (!event.isAutoRepeat) press() }
+    Keys.onReturnPressed: event => { if (!event.isAutoRepeat) press() }
+    Keys.onEnterPressed: event => { if (!event.isAutoRepeat) press() }
 
     Text {
         id: label

@@ -10,7 +10,7 @@ Rectangle {
     signal dismissed
 
     visible: text !== ""
-    implicitHeight: visible ? 48 : 0
+    implicitHeight: visible ? 48 * Theme.scale : 0
     color: Theme.surface2
     border.width: 1
     border.color: Theme.line

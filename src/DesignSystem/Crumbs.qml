@@ -34,6 +34,7 @@ ListView {
             Accessible.name: step.name
             Accessible.onPressAction: crumbs.picked(step.key)
             Keys.onReturnPressed: crumbs.picked(step.key)
+            Keys.onEnterPressed: crumbs.picked(step.key)
             Keys.onSpacePressed: crumbs.picked(step.key)
             onActiveFocusChanged: if (activeFocus) crumbs.positionViewAtIndex(step.index, ListView.Contain)
             Line {

@@ -13,8 +13,9 @@ Item {
     property color colour: Theme.accent
     property bool isChosen: false
 
-    implicitHeight: detail === "" ? 38 : 50
+    implicitHeight: (detail === "" ? 38 : 50) * Theme.scale
     Accessible.role: Accessible.ListItem
+    Accessible.selected: isChosen
     Accessible.name: [title, figure, detail, badge].filter(word => word !== "").join(", ")
 
     Rectangle {

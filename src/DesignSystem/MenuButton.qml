@@ -45,7 +45,7 @@ AppButton {
         highlightMoveDuration: 0
         Accessible.role: Accessible.PopupMenu
         Accessible.name: menu.text
-        onActiveFocusChanged: if (!activeFocus) menu.isOpen = false
+        onActiveFocusChanged: if (!activeFocus && !menu.isHovered) menu.isOpen = false  // a press on the button closes it itself
         Keys.onReturnPressed: menu.pick(currentIndex)
         Keys.onEnterPressed: menu.pick(currentIndex)
         Keys.onSpacePressed: menu.pick(currentIndex)

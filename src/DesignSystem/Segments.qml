@@ -30,6 +30,7 @@ Row {
             Accessible.onPressAction: segments.picked(index)
             Keys.onSpacePressed: segments.picked(index)
             Keys.onReturnPressed: segments.picked(index)
+            Keys.onEnterPressed: segments.picked(index)
             Line {
                 id: label
                 anchors.centerIn: parent
@@ -39,7 +40,10 @@ Row {
             }
             MouseArea {
                 anchors.fill: parent
-                onClicked: segments.picked(segment.index)
+                onClicked: {
+                    segment.forceActiveFocus(Qt.MouseFocusReason)
+                    segments.picked(segment.index)
+                }
             }
             FocusFrame { isOn: segment.activeFocus; anchors.margins: 0; z: 1 }
         }

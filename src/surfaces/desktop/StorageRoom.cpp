@@ -171,8 +171,8 @@ void StorageRoom::refresh() {
   const AppModel::Scan& scan = *model().storageResult;
   if (scan != shownScan_) {
     run(adopt(scan));
-  } else if (scan) {
-    showFolder();
+  } else {
+    showTiles();  // what the drive holds beyond the scan may have changed
   }
 }
 
@@ -241,27 +241,12 @@ void StorageRoom::showDrives() {
 void StorageRoom::showFolder() {
   const AppModel::Scan& scan = *model().storageResult;
   RowModel::Rows rows;
-  RowModel::Rows tiles;
   RowModel::Rows crumbs;
   if (scan) {
     const std::int64_t whole = scan->folderBytes(folder_);
-    // What a folder's drive holds elsewhere isn't missing from its scan.
-    const bool isDrive = std::ranges::any_of(
-        *model().drives, [&](const DriveInfo& drive) { return drive.url.path == model().selectedDrive->path; });
     const auto children = scan->children(folder_);
     for (const StorageNode& node : children.first(std::min(children.size(), mostRows))) {
       rows.push_back(rowOf(node, whole));
-    }
-    for (const auto& tile : StorageMapView::tiles({.result = *scan,
-                                                   .path = folder_,
-                                                   .selectedDrive = isDrive ? model().selectedDrive->path : "",
-                                                   .snapshot = *model().volumeSnapshot})) {
-      tiles.push_back({{"key", keyOf(tile.id)},
-                       {"title", shown(tile.title)},
-                       {"size", sizeText(tile.bytes)},
-                       {"bytes", static_cast<double>(tile.bytes)},
-                       {"kind", QString::fromLatin1(rawValue(tile.kind))},
-                       {"opens", tile.node && tile.node->isFolder()}});
     }
     for (std::string path = folder_; isSameOrInside(path, scan->root.path); path = parentPath(path)) {
       crumbs.insert(crumbs.begin(), {{"key", keyOf(path)}, {"name", shown(lastPathComponent(path))}});
@@ -274,8 +259,30 @@ void StorageRoom::showFolder() {
     show("listTitle", QString());
   }
   rows_->setRows(std::move(rows));
-  tiles_->setRows(std::move(tiles));
   crumbs_->setRows(std::move(crumbs));
+  showTiles();
+}
+
+void StorageRoom::showTiles() {
+  const AppModel::Scan& scan = *model().storageResult;
+  RowModel::Rows tiles;
+  if (scan) {
+    // What a folder's drive holds elsewhere isn't missing from its scan.
+    const bool isDrive = std::ranges::any_of(
+        *model().drives, [&](const DriveInfo& drive) { return drive.url.path == model().selectedDrive->path; });
+    for (const auto& tile : StorageMapView::tiles({.result = *scan,
+                                                   .path = folder_,
+                                                   .selectedDrive = isDrive ? model().selectedDrive->path : "",
+                                                   .snapshot = *model().volumeSnapshot})) {
+      tiles.push_back({{"key", keyOf(tile.id)},
+                       {"title", shown(tile.title)},
+                       {"size", sizeText(tile.bytes)},
+                       {"bytes", static_cast<double>(tile.bytes)},
+                       {"kind", QString::fromLatin1(rawValue(tile.kind))},
+                       {"opens", tile.node && tile.node->isFolder()}});
+    }
+  }
+  tiles_->setRows(std::move(tiles));
 }
 
 void StorageRoom::showChosen() {

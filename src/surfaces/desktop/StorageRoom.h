@@ -38,6 +38,7 @@ class StorageRoom : public Presenter {
   void refresh() override;
   void showScan();
   void showFolder();
+  void showTiles();
   void showDrives();
   void showChosen();
   std::optional<StorageNode> nodeAt(const std::string& path) const;

@@ -42,7 +42,7 @@ Scroller {
                     required property string action
 
                     width: content.width >= 760 ? (content.width - 24) / 3 : (content.width - 12) / 2
-                    height: 168
+                    height: 168 * Theme.scale
                     border.color: level === "calm" ? Theme.line : Theme.toneColour(level)
                     Column {
                         anchors { left: parent.left; right: parent.right; top: parent.top; margins: 16 }
@@ -86,7 +86,7 @@ Scroller {
                     required property bool canUndo
 
                     width: content.width
-                    height: 48
+                    height: 50 * Theme.scale
                     FigureRow {
                         anchors { left: parent.left; right: back.visible ? back.left : parent.right }
                         title: act.title

@@ -11,6 +11,8 @@ Loader {
     function open() {
         if (item)
             item.open()
+        else if (status === Loader.Error)
+            failed()
         else
             active = true
     }

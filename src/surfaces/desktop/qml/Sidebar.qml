@@ -33,7 +33,7 @@ Rectangle {
                 readonly property bool isHere: house.room === number
 
                 width: parent.width
-                height: 38
+                height: 38 * Theme.scale
                 radius: Theme.controlRadius
                 color: isHere ? Theme.hover : area.containsMouse ? Theme.surface2 : "transparent"
                 activeFocusOnTab: true
@@ -42,6 +42,7 @@ Rectangle {
                 Accessible.selected: isHere
                 Accessible.onPressAction: house.navigate(number)
                 Keys.onReturnPressed: house.navigate(number)
+                Keys.onEnterPressed: house.navigate(number)
                 Keys.onSpacePressed: house.navigate(number)
                 Keys.onDownPressed: nextItemInFocusChain(true).forceActiveFocus(Qt.TabFocusReason)
                 Keys.onUpPressed: nextItemInFocusChain(false).forceActiveFocus(Qt.TabFocusReason)
