@@ -65,10 +65,10 @@ int run(int& argumentCount, char** arguments) {
 
   Platform platform = makePlatform();
   platform.probe.mark("init");
+  ScanStore store(*platform.files, platform.places.support, platform.probe);
   LinuxExecutor executor;
   ThreadWorkers workers(setThreadPriority);
   Scheduler scheduler(executor, workers);
-  ScanStore store(*platform.files, platform.places.support, platform.probe);
   QSocketNotifier calls(executor.readiness().number(), QSocketNotifier::Read);
   QObject::connect(&calls, &QSocketNotifier::activated, &application, [&executor] { executor.runReady(); });
 
