@@ -17,6 +17,8 @@ ListView {
     Accessible.role: Accessible.List
     Accessible.name: name
 
+    // Away from a button in a row that isn't the current one any more.
+    onCurrentIndexChanged: if (sight.isInside && currentItem) currentItem.forceActiveFocus(Qt.TabFocusReason)
     onCurrentItemChanged: if (activeFocus && currentIndex >= 0) chose(currentIndex)
     onActiveFocusChanged: if (activeFocus && currentIndex < 0 && count > 0) currentIndex = 0
     Keys.onReturnPressed: if (currentIndex >= 0) opened(currentIndex)
@@ -36,5 +38,6 @@ ListView {
         FocusFrame { isOn: rows.activeFocus; anchors.margins: 0 }
     }
 
+    ReachedInSight { id: sight; view: rows }
     ScrollMark { parent: rows; list: rows }
 }

@@ -6,7 +6,6 @@ Flickable {
     id: scroller
 
     property string name
-    readonly property Item reached: Window.activeFocusItem
 
     clip: true
     // Room for the mark, and for the frame of what has the keyboard.
@@ -18,23 +17,7 @@ Flickable {
     activeFocusOnTab: contentHeight > height
     Accessible.role: Accessible.Pane
     Accessible.name: name
-    onReachedChanged: {
-        for (let item = reached; item; item = item.parent) {
-            if (item === contentItem) {
-                show(reached)
-                return
-            }
-        }
-    }
 
-    function show(item) {
-        const top = item.mapToItem(contentItem, 0, 0).y - 4
-        const bottom = top + item.height + 8
-        if (top < contentY)
-            contentY = Math.max(-topMargin, top)
-        else if (bottom > contentY + height)
-            contentY = Math.min(top, bottom - height)
-    }
     function scroll(way) {
         contentY = Math.max(-topMargin, Math.min(contentHeight - height + bottomMargin, contentY + way))
     }
@@ -54,5 +37,6 @@ Flickable {
         event.accepted = true
     }
 
+    ReachedInSight { view: scroller }
     ScrollMark { parent: scroller; list: scroller }
 }

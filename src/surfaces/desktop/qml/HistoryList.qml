@@ -1,7 +1,8 @@
 import QtQuick
 import Hearthkeep.DesignSystem
 
-// Every act on record. Enter opens one; what is still in the Trash can be put back, all of it or one by one.
+// Every act on record. Enter opens one; what is still in the Trash can be put back, all of it or one by one. The arrow
+// keys go from act to act, Tab to the buttons of the current one.
 RowList {
     id: history
 
@@ -46,6 +47,7 @@ RowList {
                 anchors { right: parent.right; rightMargin: 8; verticalCenter: parent.verticalCenter }
                 visible: act.model.canUndo
                 text: "Put Back"
+                activeFocusOnTab: act.ListView.isCurrentItem || activeFocus
                 Accessible.name: "Put Back " + act.model.title
                 onClicked: clean.putBack(act.model.key)
             }
@@ -71,6 +73,7 @@ RowList {
                     anchors { right: parent.right; rightMargin: 8; verticalCenter: parent.verticalCenter }
                     visible: item.modelData.canPutBack
                     text: "Put Back"
+                    activeFocusOnTab: act.ListView.isCurrentItem || activeFocus
                     Accessible.name: "Put Back " + item.modelData.name
                     onClicked: clean.putBackItem(act.model.key, item.modelData.key)
                 }

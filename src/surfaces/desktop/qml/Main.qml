@@ -70,7 +70,7 @@ Window {
                     width: parent.width
                     text: house.undoText || ""
                     action: "Undo"
-                onDismissed: house.dismissOffer()
+                    onDismissed: house.dismissOffer()
                     onActed: house.undoOffered()
                 }
             }
@@ -91,4 +91,5 @@ Window {
         }
     }
     HelpSheet { id: help }
+    KeyboardKeeper { window: window }
 }
