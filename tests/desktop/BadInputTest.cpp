@@ -1,3 +1,7 @@
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+#include <atomic>
 #include <filesystem>
 
 #include "desktop/DesktopHome.h"
@@ -10,6 +14,23 @@ namespace {
 using enum QAccessible::Role;
 
 using BadInput = DesktopHome;
+
+/// The test says when a mount came or went.
+class TouchedMounts final : public MountWatcher {
+ public:
+  void operator()() const {
+    const std::uint64_t one = 1;
+    ASSERT_EQ(::write(events_.number(), &one, sizeof one), ssize_t{sizeof one});
+  }
+  const Descriptor& events() const override { return events_; }
+  bool read() override {
+    std::uint64_t count = 0;
+    return ::read(events_.number(), &count, sizeof count) > 0;
+  }
+
+ private:
+  Descriptor events_{::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
+};
 
 TEST_F(BadInput, AFileOfAnyNameIsFoundShownAndMoved) {
   const std::vector<std::pair<const char*, std::string>> names = {
@@ -40,6 +61,30 @@ TEST_F(BadInput, AFileOfAnyNameIsFoundShownAndMoved) {
   }
 }
 
+TEST_F(BadInput, OfTwoNamesThatLookAlikeTheChosenOneIsMoved) {
+  // The last of each pair is the larger one, and comes first.
+  for (const auto& [first, second] : {std::pair<std::string, std::string>{"same\x01.raw", "same\x02.raw"},
+                                      {"same\xe8.raw", "same\xe9.raw"},
+                                      {"same\x80.raw", "same\xee\xbe\x80.raw"}}) {
+    home.home.build({{"Documents/" + first, 2 * mebibyte}, {"Documents/" + second, 3 * mebibyte}});
+    if (!model) {
+      open();
+    }
+    screens->lookAt(at("Documents"));
+    ASSERT_TRUE(waitFor([&] { return has(PushButton, "Scan Again"); }));
+    click(PushButton, "Scan Again");
+    click(ListItem, "same");
+    ASSERT_TRUE(waitFor([&] { return has(StaticText, "3.1 MB ·"); })) << shownText();
+    click(PushButton, "Move to Trash");
+    click(PushButton, "Move to Trash");
+    ASSERT_TRUE(waitFor([&] { return trashed().size() == 1; }));
+    EXPECT_EQ(trashed(), std::set<std::string>{second});
+    EXPECT_EQ(namesIn(at("Documents")), std::set<std::string>{first});
+    home.home.remove("Documents/" + first);
+    std::filesystem::remove_all(home.home.trash(""));
+  }
+}
+
 TEST_F(BadInput, AnEmptyFolderAndOneThatIsGoneAreSaidInASentence) {
   home.home.build({{"empty/"}});
   open();
@@ -49,6 +94,62 @@ TEST_F(BadInput, AnEmptyFolderAndOneThatIsGoneAreSaidInASentence) {
   click(PushButton, "Scan Again");
   ASSERT_TRUE(waitFor([&] { return model->scanError->has_value(); }));
   ASSERT_TRUE(waitFor([&] { return has(StaticText, QString::fromStdString(**model->scanError)); })) << shownText();
+}
+
+TEST_F(BadInput, AFolderThatGoesWhileItIsReadIsSaid) {
+  home.home.build({{"gone/inner/x", 10}, {"gone/other/y", 10}, {"stays/"}});
+  std::atomic<bool> goes = true;
+  home.beforeRead = [&](std::string_view name) -> std::optional<SystemError> {
+    if ((name == "inner" || name == "other") && goes.exchange(false)) {
+      std::filesystem::remove_all(at("gone"));
+    }
+    return std::nullopt;
+  };
+  open();
+  screens->lookAt(at("gone"));
+  ASSERT_TRUE(waitFor([&] { return !goes && !*model->isScanning; }));
+  ASSERT_TRUE(waitFor([&] { return has(StaticText, "Scanned ") || !has(StaticText, "Reading"); })) << shownText();
+  click(PushButton, "Scan");
+  ASSERT_TRUE(waitFor([&] { return model->scanError->has_value(); }));
+  ASSERT_TRUE(waitFor([&] { return has(StaticText, QString::fromStdString(**model->scanError)); })) << shownText();
+  screens->lookAt(at("stays"));
+  ASSERT_TRUE(waitFor([&] { return has(StaticText, "This folder is empty"); })) << shownText();
+}
+
+TEST_F(BadInput, ADriveThatIsPulledOutMakesWayForTheStartupDisk) {
+  home.home.build({{"drive/photos/large.raw", 9 * mebibyte}, {"Documents/film.mkv", 3 * mebibyte}});
+  const TouchedMounts& touch = put<TouchedMounts>(home.platform.mountWatcher);
+  // The startup disk has a scan of the made home: nothing of the real one is read.
+  auto stored = StorageScanner(home.real, home.mounts, home.platform.places, home.platform.now, 1).scan(at("")).value();
+  stored.root = AppModel::macVolumeRoot;
+  ASSERT_TRUE(home.store->save(stored));
+  home.mounts.all.push_back({.id = 2, .point = at("drive"), .type = "ext4", .device = "8:2", .source = "/dev/sdb1"});
+  open();
+  key(Qt::Key_2, Qt::ControlModifier);
+  click(ButtonMenu, "Drive: This computer");
+  click(MenuItem, "drive");
+  click(ListItem, "photos");
+  key(Qt::Key_Return);
+  click(ListItem, "large.raw");
+  waitForControl(PushButton, "Move to Trash");
+  click(PushButton, "Move to Trash");
+  waitForSheet("Move “large.raw” to the Trash?");
+
+  home.mounts.all.pop_back();
+  home.home.remove("drive");
+  touch();
+  ASSERT_TRUE(waitFor([&] { return model->selectedDrive->path == "/"; }));
+  ASSERT_TRUE(waitFor([&] { return has(Dialog, "") || has(ButtonMenu, "Drive: This computer"); }));
+  if (has(Dialog, "")) {
+    click(PushButton, "Move to Trash");  // of what was asked about: it is gone, and nothing else goes
+  }
+  waitForControl(ButtonMenu, "Drive: This computer");
+  EXPECT_FALSE(has(ListItem, "large.raw"));
+  EXPECT_TRUE(stands("Documents/film.mkv") && trashed().empty());
+  click(ButtonMenu, "Drive: ");
+  EXPECT_FALSE(has(MenuItem, "drive"));
+  key(Qt::Key_Escape);
+  expectFocusInSight("without the drive");
 }
 
 TEST_F(BadInput, WhatGoesWhileItIsChosenIsSaid) {
@@ -68,7 +169,7 @@ TEST_F(BadInput, WhatGoesWhileItIsChosenIsSaid) {
 }
 
 TEST_F(BadInput, AFolderOfThousandsIsShownAndLeft) {
-  for (int file = 0; file < 3000; ++file) {
+  for (int file = 0; file < 20000; ++file) {
     home.home.write("many/file " + std::to_string(file));
   }
   home.home.build({{"many/large.raw", 5 * mebibyte}});

@@ -34,6 +34,7 @@ class Control {
   QAccessible::State state() const { return face_->state(); }
   QRect place() const { return face_->rect(); }
   bool isHidden() const { return state().invisible || place().isEmpty(); }
+  Control parent() const { return Control(face_->parent()); }
   QQuickItem* item() const { return qobject_cast<QQuickItem*>(face_->object()); }
   bool canBePressed() const {
     QAccessibleActionInterface* const actions = face_->actionInterface();
@@ -153,6 +154,21 @@ class DesktopHome : public testing::Test {
     QQuickItem* const item = window().activeFocusItem();
     QAccessibleInterface* const face = item == nullptr ? nullptr : QAccessible::queryAccessibleInterface(item);
     return face == nullptr ? QString() : face->text(QAccessible::Name);
+  }
+  /// What has the keyboard is usable, has a name, and can be seen as a whole.
+  void expectFocusInSight(const std::string& step) {
+    QQuickItem* const item = window().activeFocusItem();
+    ASSERT_NE(item, nullptr) << step;
+    const std::string words = step + ", at " + focused().toStdString();
+    EXPECT_TRUE(item->isVisible() && item->isEnabled() && !focused().isEmpty()) << words;
+    QRectF sight(QPointF(), QSizeF(window().size()));
+    for (const QQuickItem* around = item->parentItem(); around != nullptr; around = around->parentItem()) {
+      sight = around->clip() ? sight & around->mapRectToScene(around->boundingRect()) : sight;
+    }
+    const QRectF place = item->mapRectToScene(item->boundingRect());
+    EXPECT_TRUE(sight.adjusted(-1, -1, 1, 1).contains(place))
+        << words << ": from " << place.top() << " to " << place.bottom() << ", seen from " << sight.top() << " to "
+        << sight.bottom();
   }
   /// Tab until what has the keyboard begins with these words.
   void tabTo(const QString& words) {

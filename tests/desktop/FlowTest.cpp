@@ -1,3 +1,7 @@
+#include <filesystem>
+#include <functional>
+#include <map>
+
 #include "desktop/DesktopHome.h"
 
 // A person's way through the window: scan, find, move, take back, clear, take back, empty, quit.
@@ -15,12 +19,23 @@ class Flow : public DesktopHome {
                      {"Documents/letter.txt", 3 * mebibyte},
                      {".cache/pip/http/x", 60 * mebibyte},
                      {".gradle/caches/x", 70 * mebibyte}});
-    film = contentsOf(at("Documents/film.mkv"));
+    before = contents();
+  }
+  /// Each file of the home but the program's own and the Trash, with what it holds.
+  std::map<std::string, std::size_t> contents() const {
+    std::map<std::string, std::size_t> files;
+    for (const auto& item : std::filesystem::recursive_directory_iterator(at(""))) {
+      if (item.is_regular_file() && !item.path().string().starts_with(at(".local")) &&
+          !item.path().string().starts_with(at(".config"))) {
+        files.emplace(item.path(), std::hash<std::string>()(contentsOf(item.path())));
+      }
+    }
+    return files;
   }
   std::int64_t measured() { return (*model->storageResult)->totalBytes; }
   bool isShown(const QString& words) { return has(StaticText, words); }
 
-  std::string film;
+  std::map<std::string, std::size_t> before;
 };
 
 TEST_F(Flow, ByMouse) {
@@ -37,16 +52,16 @@ TEST_F(Flow, ByMouse) {
   ASSERT_TRUE(waitFor([&] { return !*model->isScanning && *model->storageResult != second; }));
   waitForControl(PushButton, "Move to Trash");
   ASSERT_FALSE(has(ListItem, "letter.txt") || has(ListItem, "Documents,")) << "what was found stays, also meanwhile";
-  const std::int64_t before = measured();
+  const std::int64_t whole = measured();
   click(PushButton, "Move to Trash");
   waitForSheet("Move “film.mkv” to the Trash?");
   EXPECT_TRUE(stands("Documents/film.mkv")) << "asked first";
   click(PushButton, "Move to Trash");
-  ASSERT_TRUE(waitFor([&] { return !stands("Documents/film.mkv") && measured() < before; }));
+  ASSERT_TRUE(waitFor([&] { return !stands("Documents/film.mkv") && measured() < whole; }));
   EXPECT_EQ(trashed(), std::set<std::string>{"film.mkv"});
   click(PushButton, "Undo");
   ASSERT_TRUE(waitFor([&] { return stands("Documents/film.mkv"); }));
-  EXPECT_EQ(contentsOf(at("Documents/film.mkv")), film);
+  EXPECT_EQ(contents(), before);
 
   click(PageTab, "Clean");
   click(CheckBox, "Gradle cache");
@@ -55,6 +70,7 @@ TEST_F(Flow, ByMouse) {
   EXPECT_TRUE(stands(".gradle/caches/x")) << "it was unticked";
   click(PushButton, "Undo");
   ASSERT_TRUE(waitFor([&] { return stands(".cache/pip/http/x"); }));
+  EXPECT_EQ(contents(), before);
 
   click(RadioButton, "History");
   click(ListItem, "pip, 1 item put back");
@@ -111,35 +127,51 @@ TEST_F(Flow, WhatWasTickedAfterALookIsForgottenWithItsPlan) {
   EXPECT_FALSE(find(CheckBox, "Duplicate copies").state().checked);
 }
 
+TEST_F(Flow, WhatGoesWhenItIsPressedHandsTheKeyboardOn) {
+  openHome();
+  const auto pressAndWait = [this](const QString& words, const std::function<bool()>& done) {
+    tabTo(words);
+    key(Qt::Key_Return);
+    ASSERT_TRUE(waitFor(done)) << words.toStdString();
+    ASSERT_TRUE(waitFor([&] { return focused() != words; })) << words.toStdString();
+    expectFocusInSight("after " + words.toStdString());
+  };
+  key(Qt::Key_3, Qt::ControlModifier);
+  waitForControl(PushButton, "Move 136.3 MB to Trash");
+  pressAndWait("Move 136.3 MB to Trash", [&] { return trashed().size() == 2 && model->lastTrash->has_value(); });
+  pressAndWait("Undo", [&] { return trashed().empty() && !model->lastTrash->has_value(); });
+  key(Qt::Key_Y, Qt::ControlModifier);
+  ASSERT_TRUE(waitFor([&] { return trashed().size() == 2 && model->lastTrash->has_value(); }));
+  waitForControl(PushButton, "Undo");
+  pressAndWait("Close", [&] { return !has(PushButton, "Close"); });
+  key(Qt::Key_1, Qt::ControlModifier);
+  waitForControl(PushButton, "Put Back pip and 1 more");
+  pressAndWait("Put Back pip and 1 more", [&] { return trashed().empty(); });
+}
+
 TEST_F(Flow, ByKeyboardAlone) {
   openHome();
-  const auto expectOneFocus = [this](const char* step) {
-    QQuickItem* const item = window().activeFocusItem();
-    ASSERT_NE(item, nullptr) << step;
-    EXPECT_TRUE(item->isVisible() && item->isEnabled()) << step;
-    EXPECT_FALSE(focused().isEmpty()) << step;
-  };
   key(Qt::Key_2, Qt::ControlModifier);
-  expectOneFocus("the room");
+  expectFocusInSight("the room");
   key(Qt::Key_K, Qt::ControlModifier);
   EXPECT_EQ(focused().toStdString(), "Search the scan");
   type("film");
   ASSERT_TRUE(waitFor([&] { return has(ListItem, "film.mkv") && !has(ListItem, "Documents,"); })) << shownText();
   key(Qt::Key_Down);
   waitForControl(PushButton, "Move to Trash");
-  expectOneFocus("the list");
+  expectFocusInSight("the list");
   key(Qt::Key_Delete);
   waitForSheet("Move “film.mkv” to the Trash?");
   EXPECT_EQ(focused().toStdString(), "Cancel") << "yes is a step away";
   key(Qt::Key_Escape);
   EXPECT_TRUE(stands("Documents/film.mkv"));
-  expectOneFocus("back from the question");
+  expectFocusInSight("back from the question");
   key(Qt::Key_Delete);
   key(Qt::Key_Tab);
   key(Qt::Key_Return);
   ASSERT_TRUE(waitFor([&] { return !stands("Documents/film.mkv"); }));
   ASSERT_TRUE(waitFor([&] { return model->lastTrash->has_value(); }));
-  expectOneFocus("after the move");
+  expectFocusInSight("after the move");
   key(Qt::Key_Z, Qt::ControlModifier);
   ASSERT_TRUE(waitFor([&] { return stands("Documents/film.mkv"); }));
 
@@ -153,11 +185,12 @@ TEST_F(Flow, ByKeyboardAlone) {
   key(Qt::Key_Return);
   ASSERT_TRUE(waitFor([&] { return !stands(".cache/pip") && model->lastTrash->has_value(); }));
   EXPECT_TRUE(stands(".gradle/caches/x"));
-  key(Qt::Key_Tab);
-  expectOneFocus("after the clear");
+  expectFocusInSight("after the clear");
   key(Qt::Key_Z, Qt::ControlModifier);
   ASSERT_TRUE(waitFor([&] { return stands(".cache/pip/http/x"); }));
   EXPECT_TRUE(trashed().empty());
+  EXPECT_EQ(contents(), before);
+  expectFocusInSight("taken back");
 }
 
 }  // namespace

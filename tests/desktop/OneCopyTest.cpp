@@ -1,11 +1,15 @@
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
 #include <memory>
+#include <optional>
 #include <thread>
+#include <tuple>
 
+#include "support/ChildProcess.h"
 #include "surfaces/desktop/OneCopy.h"
 
 namespace lumenary {
@@ -30,6 +34,36 @@ TEST(OneCopy, TellsTheFirstOneOfEveryFurtherStart) {
   EXPECT_EQ(asked, (std::vector<QByteArray>{{}, "/home/anna/\xff\n"}));
   first.reset();
   EXPECT_TRUE(OneCopy(folder.path()).isFirst()) << "the first one has gone";
+}
+
+TEST(OneCopy, OfSeveralStartsAtOnceOneIsTheFirstAlsoAfterItWasKilled) {
+  const QTemporaryDir folder;
+  const auto note = [&](const std::string& word) { return folder.filePath(QString::fromStdString(word)); };
+  for (int round = 0; round < 5; ++round) {
+    // Each is a process of its own, and is killed with the value.
+    std::vector<std::unique_ptr<ChildProcess>> starts;
+    std::optional<OneCopy> copy;
+    for (int number = 0; number < 3; ++number) {
+      const auto start = [&] {
+        copy.emplace(folder.path());
+        const char* const outcome = copy->isFirst() ? "first" : copy->raiseFirst({}) ? "told" : "lost";
+        std::ignore = QFile(note(outcome + std::to_string(number))).open(QIODevice::WriteOnly);
+      };
+      starts.push_back(std::make_unique<ChildProcess>(std::vector<std::function<void()>>{[] {}, start}));
+    }
+    {
+      std::vector<std::jthread> together;
+      for (const auto& start : starts) {
+        together.emplace_back([&start] { start->goOn(); });
+      }
+    }
+    const QDir notes(folder.path());
+    EXPECT_EQ(notes.entryList({"first*"}).size(), 1) << round;
+    EXPECT_EQ(notes.entryList({"told*"}).size(), 2) << round;
+    for (const QString& name : notes.entryList({"first*", "told*", "lost*"})) {
+      QFile::remove(folder.filePath(name));
+    }
+  }
 }
 
 TEST(OneCopy, IsNotHeldUpByOneThatCrashed) {

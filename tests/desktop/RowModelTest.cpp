@@ -2,6 +2,8 @@
 
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>
+#include <algorithm>
+#include <random>
 
 #include "surfaces/desktop/RowModel.h"
 
@@ -40,6 +42,39 @@ TEST(RowModel, BecomesTheWantedListStepByStep) {
   EXPECT_EQ(model.indexOfKey("s2"), 1) << "two of one key leave no ghost";
   EXPECT_EQ(model.indexOfKey("gone"), -1);
   EXPECT_TRUE(model.at(7).isEmpty());
+}
+
+TEST(RowModel, BecomesAnyListFromAnyOther) {
+  RowModel model({"key", "value"}, nullptr);
+  const QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
+  // A second list that only hears what changes shows the same.
+  Keys heard;
+  const auto keyAt = [&](int row) { return model.at(row).value("key").toString(); };
+  QObject::connect(&model, &RowModel::rowsInserted, [&](const QModelIndex&, int first, int last) {
+    for (int row = first; row <= last; ++row) {
+      heard.insert(heard.begin() + row, keyAt(row));
+    }
+  });
+  QObject::connect(&model, &RowModel::rowsRemoved, [&](const QModelIndex&, int first, int last) {
+    heard.erase(heard.begin() + first, heard.begin() + last + 1);
+  });
+  QObject::connect(&model, &RowModel::rowsMoved, [&](const QModelIndex&, int from, int, const QModelIndex&, int to) {
+    std::rotate(heard.begin() + to, heard.begin() + from, heard.begin() + from + 1);
+  });
+  QObject::connect(&model, &RowModel::modelReset, [&] { heard = keysOf(model); });
+  std::mt19937 random(7);
+  for (int round = 0; round < 300; ++round) {
+    Keys wanted;
+    for (char letter = 'a'; letter < 'm'; ++letter) {
+      if (random() % 3 != 0) {
+        wanted.emplace_back(QChar::fromLatin1(letter));
+      }
+    }
+    std::ranges::shuffle(wanted, random);
+    model.setRows(rowsOf(wanted, QString::number(random() % 2)));
+    ASSERT_EQ(keysOf(model), wanted) << round;
+    ASSERT_EQ(heard, wanted) << round;
+  }
 }
 
 TEST(RowModel, LeavesAloneWhatStaysTheSame) {
