@@ -68,7 +68,7 @@ class Controls : public DesktopHome {
     }
   }
 
-  inline static const std::set<QAccessible::Role> pressed = {PushButton, CheckBox,     RadioButton,
+  inline static const std::set<QAccessible::Role> pressed = {PushButton, CheckBox,     RadioButton, MenuItem,
                                                              PageTab,    EditableText, ButtonMenu};
 };
 
