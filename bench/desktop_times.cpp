@@ -84,8 +84,8 @@ struct Machine {
   template <class Change>
   std::int64_t drawn(Change change) {
     const auto began = Clock::now();
-    const int before = frames;
     change();
+    const int before = frames;  // a frame on the way doesn't count
     screens.window()->update();
     while (frames == before) {
       QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
